@@ -12,7 +12,8 @@ namespace embedded {
 
 struct NodeKernel; // what the engine runs; see NodeKernel.h
 
-// What a port accepts. Sources convert: colour to gray by luminance, gray to colour by repetition with alpha 1.
+// What a port accepts. Sources convert: colour to gray by luminance, gray to colour by repetition with
+// alpha 1.
 enum class PortChannels { Gray, Colour, Any };
 
 // What a node gives. Widest: colour when one of the sources of its ports marked Any is colour.
@@ -43,7 +44,7 @@ struct NodeKind {
     std::vector<PortInfo> ports;
     std::vector<ParameterInfo> parameters;
     ResultChannels result;
-    bool keepsPeriodic; // sources that tile give a result that tiles (for generators: it tiles)
+    bool keepsPeriodic;  // sources that tile give a result that tiles (for generators: it tiles)
     double costPerPixel; // rough floating-point operations for one result pixel
     const NodeKernel* kernel;
 };

@@ -1,0 +1,176 @@
+#include "platform/base/Signals.h"
+
+#include <algorithm>
+#include <atomic>
+#include <mutex>
+#include <new>
+#include <utility>
+#include <vector>
+
+// Order of locks: an item's lock first, then the mutex of a list. A list's mutex is held for a few lines
+// only: no other lock is taken under it, no callback runs and no item dies under it.
+
+namespace kvRTB {
+
+FunctionVoid::~FunctionVoid() = default;
+
+SignalItem::~SignalItem() = default;
+
+namespace {
+
+// Connections in the order in which they were made. Ended ones stay where they are as long as anybody walks
+// the list. They are swept once they are half of it, so that ending n connections takes time in proportion to
+// n.
+template <class Connection>
+class ConnectionList {
+public:
+    using Pointer = std::shared_ptr<Connection>;
+
+    void add(Pointer connection) {
+        const std::lock_guard<std::mutex> hold(mutex);
+        connections.push_back(std::move(connection));
+    }
+
+    // Null past the end.
+    Pointer at(size_t place) const {
+        const std::lock_guard<std::mutex> hold(mutex);
+        return place < connections.size() ? connections[place] : nullptr;
+    }
+
+    int countLasting() const {
+        const std::lock_guard<std::mutex> hold(mutex);
+        return static_cast<int>(std::count_if(connections.begin(), connections.end(), lasts));
+    }
+
+    void beginWalk() {
+        const std::lock_guard<std::mutex> hold(mutex);
+        ++walks;
+    }
+
+    void endWalk() noexcept {
+        std::vector<Pointer> swept;
+        const std::lock_guard<std::mutex> hold(mutex);
+        --walks;
+        sweep(swept);
+    }
+
+    void noteEnd() noexcept {
+        std::vector<Pointer> swept;
+        const std::lock_guard<std::mutex> hold(mutex);
+        ++ended;
+        sweep(swept);
+    }
+
+private:
+    static bool lasts(const Pointer& connection) { return !connection->isRemoved(); }
+
+    // Moves ended connections to where they die after the mutex is free again.
+    void sweep(std::vector<Pointer>& swept) {
+        if (walks > 0 || ended == 0 || 2 * ended < connections.size()) return;
+        try {
+            swept.reserve(connections.size());
+        } catch (const std::bad_alloc&) {
+            return; // the next end tries again
+        }
+        size_t kept = 0;
+        for (Pointer& connection : connections) {
+            if (lasts(connection)) {
+                std::swap(connections[kept++], connection);
+            } else {
+                swept.push_back(std::move(connection));
+            }
+        }
+        connections.resize(kept);
+        ended = 0;
+    }
+
+    mutable std::mutex mutex;
+    std::vector<Pointer> connections;
+    size_t walks = 0;
+    size_t ended = 0; // since the last sweep; no more than a hint when to sweep
+};
+
+} // namespace
+
+struct SignalBase::Body {
+    ConnectionList<Connection> emitted;
+    ConnectionList<Connection> received;
+};
+
+struct SignalBase::Connection : SignalItem {
+    Connection(const FunctionVoid& original, std::weak_ptr<Body> fromSignal, std::weak_ptr<Body> toSignal)
+        : callback(original.clone())
+        , emitter(std::move(fromSignal))
+        , receiver(std::move(toSignal)) {}
+
+    void lock() override { mutex.lock(); }
+    void unlock() override { mutex.unlock(); }
+    bool isBlocked() const override { return blocked; }
+    bool isRemoved() const override { return removed; }
+    void setBlocked(bool value) override { blocked = value; }
+    FunctionVoid& function() override { return *callback; }
+
+    // The lock makes sure that the callback does not run on another thread when this returns.
+    void end() {
+        {
+            const std::lock_guard<std::recursive_mutex> hold(mutex);
+            if (removed.exchange(true)) return;
+        }
+        if (const auto from = emitter.lock()) from->emitted.noteEnd();
+        if (const auto to = receiver.lock()) to->received.noteEnd();
+    }
+
+    static void endAll(ConnectionList<Connection>& list) {
+        list.beginWalk();
+        for (size_t place = 0; const auto connection = list.at(place); ++place) connection->end();
+        list.endWalk();
+    }
+
+private:
+    std::recursive_mutex mutex;
+    const std::unique_ptr<FunctionVoid> callback;
+    const std::weak_ptr<Body> emitter;
+    const std::weak_ptr<Body> receiver;
+    std::atomic<bool> blocked{false};
+    std::atomic<bool> removed{false};
+};
+
+SignalBase::SignalBase()
+    : body(std::make_shared<Body>()) {}
+
+SignalBase::~SignalBase() {
+    Connection::endAll(body->received);
+    Connection::endAll(body->emitted);
+}
+
+// The receiver learns of the connection first: should the second step fail for want of memory, nothing can
+// call a receiver that does not know.
+void SignalBase::connect(const FunctionVoid& callback, SignalBase& receiver) {
+    const auto connection = std::make_shared<Connection>(callback, body, receiver.body);
+    receiver.body->received.add(connection);
+    body->emitted.add(connection);
+}
+
+int SignalBase::numConnections() const {
+    return body->emitted.countLasting();
+}
+
+SignalWalk::SignalWalk(SignalBase& signal)
+    : body(signal.body) {
+    body->emitted.beginWalk();
+}
+
+SignalWalk::~SignalWalk() {
+    body->emitted.endWalk();
+}
+
+SignalItem* SignalWalk::first() {
+    place = 0;
+    return body->emitted.at(place).get();
+}
+
+SignalItem* SignalWalk::next() {
+    return body->emitted.at(++place).get();
+}
+
+} // namespace kvRTB

@@ -1,0 +1,10 @@
+// Gaussian blur.
+#pragma once
+
+#include "embedded/nodes/NodeKind.h"
+
+namespace embedded {
+
+NodeKind blurKind();
+
+} // namespace embedded

@@ -1,0 +1,44 @@
+#include "embedded/nodes/Blend.h"
+#include "embedded/nodes/Blur.h"
+#include "embedded/nodes/Bricks.h"
+#include "embedded/nodes/Cellular.h"
+#include "embedded/nodes/ChannelMerge.h"
+#include "embedded/nodes/ChannelSplit.h"
+#include "embedded/nodes/FractalNoise.h"
+#include "embedded/nodes/GradientMap.h"
+#include "embedded/nodes/ImageInput.h"
+#include "embedded/nodes/Levels.h"
+#include "embedded/nodes/NodeKind.h"
+#include "embedded/nodes/Normal.h"
+#include "embedded/nodes/Transform.h"
+#include "embedded/nodes/Uniform.h"
+#include "embedded/nodes/Warp.h"
+
+#include <algorithm>
+
+namespace embedded {
+
+const std::vector<NodeKind>& nodeKinds() {
+    static const std::vector<NodeKind> kinds = {
+        uniformKind(),   imageInputKind(), fractalNoiseKind(), cellularKind(),     bricksKind(),
+        blendKind(),     levelsKind(),     gradientMapKind(),  blurKind(),         warpKind(),
+        transformKind(), normalKind(),     channelSplitKind(), channelMergeKind(),
+    };
+    return kinds;
+}
+
+const NodeKind* findNodeKind(std::uint32_t code) {
+    const auto& kinds = nodeKinds();
+    const auto found =
+        std::find_if(kinds.begin(), kinds.end(), [&](const NodeKind& kind) { return kind.code == code; });
+    return found == kinds.end() ? nullptr : &*found;
+}
+
+const NodeKind* findNodeKind(std::string_view name) {
+    const auto& kinds = nodeKinds();
+    const auto found =
+        std::find_if(kinds.begin(), kinds.end(), [&](const NodeKind& kind) { return kind.name == name; });
+    return found == kinds.end() ? nullptr : &*found;
+}
+
+} // namespace embedded

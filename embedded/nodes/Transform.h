@@ -1,0 +1,10 @@
+// Repeats, turns and shifts an image.
+#pragma once
+
+#include "embedded/nodes/NodeKind.h"
+
+namespace embedded {
+
+NodeKind transformKind();
+
+} // namespace embedded

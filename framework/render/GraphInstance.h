@@ -1,0 +1,41 @@
+// A living, editable copy of one graph.
+#pragma once
+
+#include "framework/description/GraphDesc.h"
+#include "framework/render/InputInstance.h"
+#include "framework/render/OutputInstance.h"
+
+#include <boost/core/noncopyable.hpp>
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+namespace SubstanceAir {
+
+// Shared between materials and whoever else renders it. Its description outlives it.
+class GraphInstance : private boost::noncopyable {
+public:
+    explicit GraphInstance(const GraphDesc& description);
+
+    // Waits for a render in progress, and takes the outputs out of every job that still waits for one.
+    ~GraphInstance();
+
+    const GraphDesc& desc;
+    const std::uint64_t identity;                           // never used twice in a process
+    std::vector<std::unique_ptr<OutputInstance>> outputs;   // in the description's order
+    std::vector<std::unique_ptr<InputInstanceBase>> inputs; // in the description's order
+
+    // The raw values of the state-key inputs, one behind the other.
+    std::vector<unsigned char> keyBytes() const;
+
+    // The first input of that identifier; null when there is none, and for an empty identifier.
+    InputInstanceBase* findInput(const std::string& identifier) const;
+
+private:
+    std::unordered_map<std::string, InputInstanceBase*> inputsByIdentifier;
+};
+
+} // namespace SubstanceAir

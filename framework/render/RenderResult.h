@@ -1,0 +1,27 @@
+// A finished texture.
+#pragma once
+
+#include "platform/engine.h"
+
+#include <boost/core/noncopyable.hpp>
+
+#include <memory>
+
+namespace SubstanceAir {
+
+// Owns the engine's buffer and returns it to the engine when it dies, on whichever thread.
+class RenderResult : private boost::noncopyable {
+public:
+    // The keeper is whatever has to live until the buffer is freed.
+    RenderResult(const SubstanceTexture& finished, SubstanceContext* allocator,
+                 std::shared_ptr<const void> contextKeeper);
+    ~RenderResult();
+
+    const SubstanceTexture texture;
+    SubstanceContext* const context; // which allocated the buffer
+
+private:
+    const std::shared_ptr<const void> keeper;
+};
+
+} // namespace SubstanceAir

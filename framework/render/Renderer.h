@@ -1,0 +1,61 @@
+// The one object of the process that talks to the engine: it groups render jobs into states, each with an engine
+// handle, and hands finished textures to the outputs that asked for them.
+#pragma once
+
+#include "framework/render/PackageRegistry.h"
+#include "framework/render/RenderJob.h"
+#include "framework/render/RenderState.h"
+#include "platform/engine.h"
+#include "platform/linker.h"
+
+#include <boost/core/noncopyable.hpp>
+
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+namespace SubstanceAir {
+
+class GraphInstance;
+
+// Reached through RendererAccess, which holds the renderer mutex; runAll alone is called without it, on the
+// render thread. Failures are silent: what could not be done is tried again by the next run.
+class RendererImpl : private boost::noncopyable {
+public:
+    RendererImpl();
+
+    // Releases the engine handles, then the engine context, then the linker context.
+    virtual ~RendererImpl();
+
+    // Packages and stacks call these when they are complete and when they die.
+    void registerPackage(const PackageDesc& package);
+    void unregisterPackage(unsigned int uid);
+    void forgetPackage(const PackageDesc& package); // its key stays, and leads to nothing
+    bool isPackageUidTaken(unsigned int uid) const; // by a package, or by the key of a state
+
+    // Hands the job to the first state whose key it matches, or to a new one.
+    void pushJob(std::unique_ptr<RenderJob> job);
+
+    void runAll();
+
+    // A state-key input of the graph changed.
+    void updateStateKey(std::uint64_t graphIdentity, const std::vector<unsigned char>& oldBytes,
+                        const std::vector<unsigned char>& newBytes);
+
+    // The graph instance dies: no waiting job keeps its outputs.
+    void forgetGraph(const GraphInstance& graph);
+
+    // The engine's callback, on any thread, while a run is in progress.
+    static void onOutputCompleted(SubstanceHandle* handle, unsigned int outputIndex, void* jobUserData);
+
+private:
+    bool ensureContext();
+
+    std::vector<std::unique_ptr<RenderState>> states; // in the order of their creation; never shrinks
+    PackageRegistry packages;
+    SubstanceLinkerContext* linkerContext = nullptr;
+    SubstanceContext* engineContext = nullptr; // on first use
+    SubstanceDevice device{};
+};
+
+} // namespace SubstanceAir

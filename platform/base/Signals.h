@@ -1,0 +1,88 @@
+// Signals: lists of callbacks that an emitter walks, and that vanish with their receivers.
+#pragma once
+
+#include "platform/base/Export.h"
+
+#include <memory>
+
+namespace kvRTB {
+
+// A callback without arguments.
+class KVBASE_API FunctionVoid {
+public:
+    virtual ~FunctionVoid();
+    virtual FunctionVoid* clone() const = 0; // owned by the caller
+    virtual bool isBoundTo(const void* object) const = 0;
+    virtual void invoke() = 0;
+};
+
+// A void member function without arguments, bound to an object that it does not own.
+template <class T>
+class FunctionVoidMember : public FunctionVoid {
+public:
+    using Member = void (T::*)();
+
+    FunctionVoidMember(T* boundObject, Member boundMember) : object(boundObject), member(boundMember) {}
+    FunctionVoid* clone() const override { return new FunctionVoidMember(*this); }
+    bool isBoundTo(const void* other) const override { return object == other; }
+    void invoke() override { (object->*member)(); }
+
+private:
+    T* object;
+    Member member;
+};
+
+// One connection. Its lock is recursive: whoever edits in a callback may come round to the same connection.
+class KVBASE_API SignalItem {
+public:
+    virtual ~SignalItem();
+    virtual void lock() = 0;
+    virtual void unlock() = 0;
+    virtual bool isBlocked() const = 0; // switched off for a while
+    virtual bool isRemoved() const = 0; // disconnected; the item only waits to be swept up
+    virtual void setBlocked(bool blocked) = 0;
+    virtual FunctionVoid& function() = 0;
+};
+
+// A list of connections, and at the same time the tracking object of a receiver: connections to callbacks of an
+// object name one of the object's own signals as their receiver and end when that signal dies.
+//
+// Connecting, walking and ending may happen inside a callback of the same signal. A connection that is made
+// during a walk is reached by it. Different threads may use different signals, receivers included.
+class KVBASE_API SignalBase {
+public:
+    SignalBase();
+    SignalBase(const SignalBase&) = delete;
+    SignalBase& operator=(const SignalBase&) = delete;
+    ~SignalBase(); // ends every connection of this signal, and every one that it receives
+
+    // Appends a connection. The callback is copied.
+    void connect(const FunctionVoid& callback, SignalBase& receiver);
+
+    int numConnections() const; // those that have not ended
+
+private:
+    struct Connection;
+    struct Body;
+    friend class SignalWalk;
+    std::shared_ptr<Body> body;
+};
+
+// A walk over a signal's connections in their order. It keeps the list and its items alive, whatever the
+// callbacks destroy, the signal included.
+class KVBASE_API SignalWalk {
+public:
+    explicit SignalWalk(SignalBase& signal);
+    SignalWalk(const SignalWalk&) = delete;
+    SignalWalk& operator=(const SignalWalk&) = delete;
+    ~SignalWalk();
+
+    SignalItem* first(); // null when there is none
+    SignalItem* next();  // the item after the one returned last
+
+private:
+    std::shared_ptr<SignalBase::Body> body;
+    size_t place = 0;
+};
+
+} // namespace kvRTB
