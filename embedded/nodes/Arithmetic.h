@@ -48,7 +48,8 @@ inline float exp2Of(float x) {
     const int whole = roundToInt(bounded);
     const float t = (bounded - static_cast<float>(whole)) * 0.69314718056f;
     const float power =
-        1.0f + t * (1.0f + t * (1.0f / 2 + t * (1.0f / 6 + t * (1.0f / 24 + t * (1.0f / 120 + t * (1.0f / 720))))));
+        1.0f +
+        t * (1.0f + t * (1.0f / 2 + t * (1.0f / 6 + t * (1.0f / 24 + t * (1.0f / 120 + t * (1.0f / 720))))));
     const std::uint32_t bits = static_cast<std::uint32_t>(whole + 127) << 23;
     float scale;
     std::memcpy(&scale, &bits, sizeof scale);
@@ -84,7 +85,8 @@ inline float sineOfTurns(float turns) {
     if (t < -0.25f) t = -0.5f - t;
     const float angle = t * 6.28318530718f;
     const float q = angle * angle;
-    return angle * (1.0f - q * (1.0f / 6 - q * (1.0f / 120 - q * (1.0f / 5040 - q * (1.0f / 362880 - q / 39916800)))));
+    return angle * (1.0f - q * (1.0f / 6 -
+                                q * (1.0f / 120 - q * (1.0f / 5040 - q * (1.0f / 362880 - q / 39916800)))));
 }
 
 inline float cosineOfTurns(float turns) {

@@ -1,5 +1,6 @@
-// The images between nodes: 32-bit float, gray (1 channel) or colour (4 channels: red, green, blue, alpha, not
-// premultiplied), channels interleaved, rows tightly packed, the first row at the top. Colours are linear light.
+// The images between nodes: 32-bit float, gray (1 channel) or colour (4 channels: red, green, blue, alpha,
+// not premultiplied), channels interleaved, rows tightly packed, the first row at the top. Colours are linear
+// light.
 #pragma once
 
 #include <cstddef>
@@ -24,7 +25,9 @@ public:
     bool empty() const { return !samples_; }
     bool sameSize(const Image& other) const { return width_ == other.width_ && height_ == other.height_; }
 
-    std::size_t rowSamples() const { return static_cast<std::size_t>(width_) * static_cast<std::size_t>(channels_); }
+    std::size_t rowSamples() const {
+        return static_cast<std::size_t>(width_) * static_cast<std::size_t>(channels_);
+    }
     std::size_t sampleCount() const { return rowSamples() * static_cast<std::size_t>(height_); }
 
     float* row(int y) { return samples_.get() + rowSamples() * static_cast<std::size_t>(y); }

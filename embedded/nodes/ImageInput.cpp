@@ -1,8 +1,29 @@
 #include "embedded/nodes/ImageInput.h"
 
+#include "embedded/nodes/Colours.h"
+#include "embedded/nodes/NodeKernel.h"
 #include "embedded/nodes/Parameters.h"
 
+#include <algorithm>
+
 namespace embedded {
+namespace {
+
+enum Parameter { ImageReference, Colour, Fallback };
+
+std::unique_ptr<RowKernel> prepare(const NodeRun& run) {
+    const Image* image = run.sources[0] ? run.sources[0] : run.image;
+    if (!image) {
+        const auto fill = run.parameters[Fallback].floats;
+        return makeRowKernel(run, [&run, fill](int, float* out) { fillRow(out, run, fill); });
+    }
+    return makeRowKernel(
+        run, [image](int y, float* out) { std::copy_n(image->row(y), image->rowSamples(), out); });
+}
+
+const NodeKernel kernel{prepare};
+
+} // namespace
 
 NodeKind imageInputKind() {
     return {
@@ -18,7 +39,7 @@ NodeKind imageInputKind() {
         ResultChannels::ByParameter,
         true,
         4,
-        nullptr};
+        &kernel};
 }
 
 } // namespace embedded

@@ -1,5 +1,5 @@
-// What the engine runs of a node kind. A kernel is prepared once for a run of a node, then computes the result by
-// rows: in bands of any size, in any order, on any threads at once, always with the same bytes.
+// What the engine runs of a node kind. A kernel is prepared once for a run of a node, then computes the
+// result by rows: in bands of any size, in any order, on any threads at once, always with the same bytes.
 #pragma once
 
 #include "embedded/nodes/Image.h"
@@ -16,11 +16,11 @@ struct NodeRun {
     int width = 1;
     int height = 1;
     int channels = 1;
-    // One for each port, null where nothing is connected: gray ports have 1 channel, colour ports 4, ports marked
-    // Any the result's number.
+    // One for each port, null where nothing is connected: gray ports have 1 channel, colour ports 4, ports
+    // marked Any the result's number.
     std::vector<const Image*> sources;
     std::vector<Value> parameters; // in the kind's order, of its types, within its ranges
-    const Image* image = nullptr;  // what the image parameter refers to, in the result's shape; null: no image
+    const Image* image = nullptr; // what the image parameter refers to, in the result's shape; null: no image
 
     int shorterSide() const { return width < height ? width : height; }
     float number(std::size_t parameter, std::size_t component = 0) const {

@@ -8,8 +8,8 @@
 namespace embedded {
 namespace {
 
-// The old pixels that make a new one, along one axis: count of them from first on (wrapping), with weights from
-// the table's weightStart on.
+// The old pixels that make a new one, along one axis: count of them from first on (wrapping), with weights
+// from the table's weightStart on.
 struct Taps {
     int first;
     int count;
@@ -116,7 +116,8 @@ Image withChannels(const Image& image, int channels) {
     Image result(image.width(), image.height(), channels);
     const float* in = image.row(0);
     float* out = result.row(0);
-    const std::size_t pixels = static_cast<std::size_t>(image.width()) * static_cast<std::size_t>(image.height());
+    const std::size_t pixels =
+        static_cast<std::size_t>(image.width()) * static_cast<std::size_t>(image.height());
     if (channels == 1) {
         for (std::size_t i = 0; i < pixels; ++i) out[i] = luminance(in + 4 * i);
     } else {

@@ -9,8 +9,8 @@ namespace embedded {
 // covers (shrinking by whole factors is a box filter), one that grows is interpolated linearly.
 Image resampled(const Image& image, int width, int height);
 
-// Another number of channels: colour to gray by luminance (Rec. 709 weights), gray to colour by repetition with
-// alpha 1.
+// Another number of channels: colour to gray by luminance (Rec. 709 weights), gray to colour by repetition
+// with alpha 1.
 Image withChannels(const Image& image, int channels);
 
 } // namespace embedded

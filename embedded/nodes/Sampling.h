@@ -7,7 +7,8 @@
 namespace embedded {
 
 // Bilinear, at a place in pixels ((0, 0) is the centre of the first pixel). Sides are powers of two. Places
-// beyond a million pixels are as good as that: what gets there is noise, and indices stay safe for any number.
+// beyond a million pixels are as good as that: what gets there is noise, and indices stay safe for any
+// number.
 template <int channels>
 void sampleWrapped(const Image& image, float x, float y, float* out) {
     constexpr float farthest = 1048576.0f;

@@ -1,8 +1,25 @@
 #include "embedded/nodes/Uniform.h"
 
+#include "embedded/nodes/Arithmetic.h"
+#include "embedded/nodes/Colours.h"
+#include "embedded/nodes/NodeKernel.h"
 #include "embedded/nodes/Parameters.h"
 
+#include <algorithm>
+
 namespace embedded {
+namespace {
+
+enum Parameter { Colour, Fill, Encoding };
+
+std::unique_ptr<RowKernel> prepare(const NodeRun& run) {
+    const auto fill = linearColour(run.parameters[Fill], run.integer(Encoding));
+    return makeRowKernel(run, [&run, fill](int, float* out) { fillRow(out, run, fill); });
+}
+
+const NodeKernel kernel{prepare};
+
+} // namespace
 
 NodeKind uniformKind() {
     return {1,
@@ -15,7 +32,7 @@ NodeKind uniformKind() {
             ResultChannels::ByParameter,
             true,
             1,
-            nullptr};
+            &kernel};
 }
 
 } // namespace embedded

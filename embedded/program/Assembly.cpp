@@ -96,7 +96,8 @@ bool read(const format::Node& from, ProgramNode& node);
 bool read(const format::Output& from, ProgramOutput& output);
 
 template <typename Record, typename Item>
-bool readAll(const flatbuffers::Vector<Offset<Record>>& records, std::size_t limit, std::vector<Item>& items) {
+bool readAll(const flatbuffers::Vector<Offset<Record>>& records, std::size_t limit,
+             std::vector<Item>& items) {
     if (records.size() > limit) return false;
     items.resize(records.size());
     for (flatbuffers::uoffset_t i = 0; i < records.size(); ++i)

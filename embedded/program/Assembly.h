@@ -9,7 +9,8 @@
 
 namespace embedded {
 
-// Constants of parameters that an input drives are not kept. The program must hold to the rules of Verifier.h.
+// Constants of parameters that an input drives are not kept. The program must hold to the rules of
+// Verifier.h.
 std::vector<unsigned char> encodeAssembly(const Program& program);
 
 // Nothing for bytes that are no assembly, or whose program the verifier refuses. Safe for any bytes, at any

@@ -15,8 +15,8 @@ struct Package {
 
 std::vector<unsigned char> encodePackage(const Package& package);
 
-// Nothing for bytes that are no package file. Safe for any bytes, at any alignment. The assembly is not looked
-// into.
+// Nothing for bytes that are no package file. Safe for any bytes, at any alignment. The assembly is not
+// looked into.
 std::optional<Package> decodePackage(const void* data, std::size_t size);
 
 } // namespace embedded

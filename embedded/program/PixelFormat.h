@@ -1,6 +1,6 @@
 // The pixel formats of output textures and image inputs, by the codes that assemblies and the engine's C
-// interface carry. Channels stand in the order red, green, blue, alpha, rows tightly packed; 16-bit channels are
-// in the machine's byte order. All channels run from 0 to their largest value for 0 to 1.
+// interface carry. Channels stand in the order red, green, blue, alpha, rows tightly packed; 16-bit channels
+// are in the machine's byte order. All channels run from 0 to their largest value for 0 to 1.
 //
 // code | layout
 //    0 | 8-bit RGBA
@@ -26,12 +26,18 @@ struct PixelFormat {
 // Nothing for a code that the engine does not support.
 constexpr std::optional<PixelFormat> findPixelFormat(std::int32_t code) {
     switch (code) {
-    case 0: return PixelFormat{4, 1, false};
-    case 32: return PixelFormat{4, 1, true};
-    case 64: return PixelFormat{4, 2, false};
-    case 65: return PixelFormat{1, 1, false};
-    case 66: return PixelFormat{1, 2, false};
-    default: return std::nullopt;
+    case 0:
+        return PixelFormat{4, 1, false};
+    case 32:
+        return PixelFormat{4, 1, true};
+    case 64:
+        return PixelFormat{4, 2, false};
+    case 65:
+        return PixelFormat{1, 1, false};
+    case 66:
+        return PixelFormat{1, 2, false};
+    default:
+        return std::nullopt;
     }
 }
 

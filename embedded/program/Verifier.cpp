@@ -19,7 +19,8 @@ bool isFinite(const Value& value) {
 
 class Verification {
 public:
-    explicit Verification(const Program& checked) : program(checked) {}
+    explicit Verification(const Program& checked)
+        : program(checked) {}
 
     std::vector<ProgramProblem> run() && {
         if (checkCounts()) {
@@ -126,7 +127,8 @@ private:
         place = "output " + std::to_string(index);
         if (output.node < 0 || static_cast<std::size_t>(output.node) >= program.nodes.size())
             report("is the result of no node");
-        if (!supported(output.format)) report("no format has the code " + std::to_string(output.format));
+        if (!findPixelFormat(output.format))
+            report("no format has the code " + std::to_string(output.format));
         if (output.mipmaps > maxMipmaps) report("has too many mipmap levels");
     }
 
@@ -145,6 +147,8 @@ bool canDrive(ValueType input, ValueType parameter) {
     return given == wanted || given == 1 || (given == 3 && wanted == 4);
 }
 
-std::vector<ProgramProblem> verify(const Program& program) { return Verification(program).run(); }
+std::vector<ProgramProblem> verify(const Program& program) {
+    return Verification(program).run();
+}
 
 } // namespace embedded

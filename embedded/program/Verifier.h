@@ -14,7 +14,7 @@ constexpr std::size_t maxProgramNodes = 16384;
 constexpr std::size_t maxProgramOutputs = 4096;
 constexpr std::size_t maxNodePorts = 32;
 constexpr std::size_t maxNodeParameters = 64;
-constexpr std::uint32_t maxMipmaps = 15; // from 16384 texels down to 1
+constexpr std::uint32_t maxMipmaps = 15;   // from 16384 texels down to 1
 constexpr std::int32_t maxResolution = 14; // base-2 logarithm of a side
 
 // One breach of a rule. The place is words such as "node 3 (blend), parameter opacity".

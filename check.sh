@@ -1,0 +1,44 @@
+#!/usr/bin/env bash
+# Builds everything and runs the tests.
+#
+#   ./check.sh          optimised, gcc
+#   ./check.sh debug    not optimised, gcc
+#   ./check.sh asan     under the address, leak and undefined behaviour sanitizers
+#   ./check.sh tsan     under the thread sanitizer
+#   ./check.sh clang    optimised, clang
+#   ./check.sh lint     formatting, clang-tidy, and the shipped headers on their own
+#
+# Each mode builds into build/<mode> (the first one into build/release). Warnings are errors.
+set -euo pipefail
+cd "$(dirname "$0")"
+source cmake/packages.sh
+
+build_and_test() { # preset, further arguments of cmake
+    local preset=$1
+    shift
+    cmake --preset "$preset" -DKVSUBSTANCE_WARNINGS_AS_ERRORS=ON "$@" >build/configure.log 2>&1 ||
+        { cat build/configure.log >&2; exit 1; }
+    cmake --build --preset "$preset"
+    ctest --preset "$preset" --parallel "$(nproc)"
+}
+
+mode=${1:-release}
+mkdir -p build
+case $mode in
+release | debug | asan | tsan)
+    cmake/install-packages.sh "${build_packages[@]}"
+    build_and_test "$mode"
+    ;;
+clang)
+    cmake/install-packages.sh "${build_packages[@]}" "${clang_packages[@]}"
+    build_and_test clang
+    ;;
+lint)
+    cmake/install-packages.sh "${build_packages[@]}" "${clang_packages[@]}" "${lint_packages[@]}"
+    cmake/lint.sh
+    ;;
+*)
+    echo "error: unknown mode \"$mode\"; expected release, debug, asan, tsan, clang or lint" >&2
+    exit 2
+    ;;
+esac

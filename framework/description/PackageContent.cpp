@@ -1,0 +1,71 @@
+#include "framework/description/PackageContent.h"
+
+#include "platform/linker.h"
+
+#include <boost/thread/lock_guard.hpp>
+#include <boost/thread/mutex.hpp>
+
+namespace SubstanceAir {
+
+namespace {
+
+// What the linker delivered last. The buffers are the process's, on purpose, because the linker's callbacks carry
+// no user data: a package that the linker delivers nothing for reads the content of the one before.
+struct LinkerAnswer {
+    boost::mutex mutex; // held from before the linker is called until the content has been copied
+    PackageContent content;
+};
+
+// Never destroyed: hosts build packages in static objects too, up to the end of the process.
+LinkerAnswer& linkerAnswer() {
+    static LinkerAnswer& answer = *new LinkerAnswer;
+    return answer;
+}
+
+// No exception may pass through the linker: memory that runs out leaves the buffer empty.
+extern "C" void keepDescription(SubstanceLinkerHandle*, unsigned int, const char* text) {
+    std::string& description = linkerAnswer().content.description;
+    try {
+        description = text ? text : "";
+    } catch (...) {
+        description.clear();
+    }
+}
+
+extern "C" void keepAssembly(SubstanceLinkerHandle*, unsigned int, const unsigned char* bytes, size_t count) {
+    std::vector<char>& assembly = linkerAnswer().content.assembly;
+    assembly.clear();
+    if (!bytes) return;
+    try {
+        assembly.assign(bytes, bytes + count);
+    } catch (...) {
+        assembly.clear();
+    }
+}
+
+// The results are not looked at: a package that could not be read shows in what was delivered.
+void pushThroughLinker(const void* data, size_t size) {
+    SubstanceLinkerContext* context = nullptr;
+    substanceLinkerContextInit(&context, SubstanceLinkerApiVersion, SubstanceLinkerEngineId);
+    substanceLinkerContextSetCallback(context, SubstanceLinkerCallbackText,
+                                      reinterpret_cast<SubstanceLinkerCallback>(&keepDescription));
+    substanceLinkerContextSetCallback(context, SubstanceLinkerCallbackBytes,
+                                      reinterpret_cast<SubstanceLinkerCallback>(&keepAssembly));
+
+    SubstanceLinkerHandle* handle = nullptr;
+    substanceLinkerHandleInit(&handle, context);
+    substanceLinkerHandlePushAssemblyMemory(handle, data, size);
+    substanceLinkerHandleRelease(handle);
+    substanceLinkerContextRelease(context);
+}
+
+} // namespace
+
+PackageContent splitPackage(const void* data, size_t size) {
+    LinkerAnswer& answer = linkerAnswer();
+    const boost::lock_guard<boost::mutex> lock(answer.mutex);
+    pushThroughLinker(data, size);
+    return answer.content;
+}
+
+} // namespace SubstanceAir

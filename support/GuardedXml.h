@@ -1,0 +1,29 @@
+// Parses XML with TinyXML, guarded against what TinyXML itself does not withstand.
+//
+// TinyXML reads past the end of a text that breaks off inside a UTF-8 character, can lose itself while it
+// counts rows and columns, takes a document that ends right behind its root element for a broken one,
+// recurses into nested elements (as do its destructors and its printer), and compares each attribute with all
+// before it. So the text is copied, with a line feed and zeros behind it; positions are not tracked; and a
+// text beyond the limits below is refused before TinyXML builds anything of it.
+#pragma once
+
+#include <tinyxml.h>
+
+#include <memory>
+
+namespace support {
+
+constexpr int maxXmlDepth = 256;       // elements inside each other, the root included
+constexpr int maxXmlAttributes = 1024; // of one element
+
+// Null when the text is null, beyond the limits, or TinyXML finds an error in it. The encoding is the one
+// that holds when the text begins with no XML declaration; a declaration goes by what it says, and stands for
+// UTF-8 when it names none. TIXML_ENCODING_UNKNOWN looks for a byte order mark and else takes bytes as they
+// are.
+std::unique_ptr<TiXmlDocument> parseXmlDocument(const char* text, TiXmlEncoding encoding);
+
+// Reads the element that a text begins with, as UTF-8; what follows it is ignored. False when it cannot be
+// read, in the cases above: the element is then an empty one without a name.
+bool parseXmlElement(const char* text, TiXmlElement& element);
+
+} // namespace support
