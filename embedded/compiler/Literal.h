@@ -13,9 +13,9 @@ namespace embedded {
 std::optional<std::int32_t> parseInteger(std::string_view text);
 std::optional<float> parseFloat(std::string_view text);
 
-// Numbers separated by commas: as many as the type has components, one for all of them, or three for four with a
-// fourth of 1. For three and four floats also "#rrggbb" and "#rrggbbaa", divided by 255. Nothing for anything
-// else.
+// Numbers separated by commas: as many as the type has components, one for all of them, or three for four
+// with a fourth of 1. For three and four floats also "#rrggbb" and "#rrggbbaa", divided by 255. Nothing for
+// anything else.
 std::optional<Value> parseValue(ValueType type, std::string_view text);
 
 // What parseValue takes, in words.
@@ -29,6 +29,8 @@ Value linearFromSrgb(Value colour);
 // The form that descriptions use: components separated by commas, each the shortest text that reads back the
 // same.
 std::string formatValue(const Value& value);
+
+std::string formatNumber(double number);
 
 double component(const Value& value, int index);
 

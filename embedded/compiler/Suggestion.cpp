@@ -10,7 +10,9 @@ constexpr std::size_t maxListed = 16;
 constexpr std::size_t maxSuggested = 3;
 constexpr std::size_t maxCompared = 64; // longer names are not worth the squared effort
 
-char lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
+char lower(char c) {
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
 
 // V. I. Levenshtein (1966), "Binary codes capable of correcting deletions, insertions and reversals"; letter
 // case is ignored.
@@ -37,7 +39,9 @@ std::string joined(const std::vector<std::string>& names, const char* separator)
 
 } // namespace
 
-std::string quoted(std::string_view text) { return "\"" + std::string(text) + "\""; }
+std::string quoted(std::string_view text) {
+    return "\"" + std::string(text) + "\"";
+}
 
 std::string suggestion(std::string_view name, const std::vector<std::string>& realNames) {
     std::size_t nearest = std::max<std::size_t>(2, name.size() / 3) + 1;
@@ -48,7 +52,8 @@ std::string suggestion(std::string_view name, const std::vector<std::string>& re
         if (distance > nearest || distance >= std::max(name.size(), real.size())) continue;
         if (distance < nearest) near.clear();
         nearest = distance;
-        if (near.size() < maxSuggested) near.push_back(quoted(real));
+        const bool isListed = std::find(near.begin(), near.end(), quoted(real)) != near.end();
+        if (!isListed && near.size() < maxSuggested) near.push_back(quoted(real));
     }
     if (!near.empty()) return "; did you mean " + joined(near, " or ") + "?";
     if (realNames.empty()) return "; there are none";

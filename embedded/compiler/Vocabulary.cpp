@@ -40,8 +40,8 @@ constexpr std::array<const char*, 14> colourUsages{
 
 template <typename Entries>
 auto find(const Entries& entries, std::string_view name) {
-    const auto found = std::find_if(entries.begin(), entries.end(),
-                                    [&](const auto& entry) { return entry.name == name; });
+    const auto found =
+        std::find_if(entries.begin(), entries.end(), [&](const auto& entry) { return entry.name == name; });
     return found == entries.end() ? nullptr : &*found;
 }
 
@@ -65,23 +65,28 @@ const char* nameOf(ValueType type) {
     return found == types.end() ? "unknown" : found->name;
 }
 
-std::vector<std::string> valueTypeNames() { return namesOf(types); }
+std::vector<std::string> valueTypeNames() {
+    return namesOf(types);
+}
 
 std::optional<std::int32_t> findFormat(std::string_view name) {
     const auto* found = find(formats, name);
     return found ? std::optional(found->code) : std::nullopt;
 }
 
-std::vector<std::string> formatNames() { return namesOf(formats); }
+std::vector<std::string> formatNames() {
+    return namesOf(formats);
+}
 
 const std::vector<std::string>& usageNames() {
     static const std::vector<std::string> names = {
-        "diffuse",        "opacity",       "emissive",        "ambient",         "ambientOcclusion",
-        "mask",           "normal",        "bump",            "height",          "displacement",
-        "specular",       "specularLevel", "specularColor",   "glossiness",      "roughness",
-        "anisotropyLevel", "anisotropyAngle", "transmissive", "reflection",      "refraction",
-        "environment",    "IOR",           "scattering0",     "scattering1",     "scattering2",
-        "scattering3"};
+        "diffuse",          "opacity",      "emissive",    "ambient",
+        "ambientOcclusion", "mask",         "normal",      "bump",
+        "height",           "displacement", "specular",    "specularLevel",
+        "specularColor",    "glossiness",   "roughness",   "anisotropyLevel",
+        "anisotropyAngle",  "transmissive", "reflection",  "refraction",
+        "environment",      "IOR",          "scattering0", "scattering1",
+        "scattering2",      "scattering3"};
     return names;
 }
 
@@ -95,9 +100,13 @@ const char* usualFormat(std::string_view usage) {
     return isColour ? "srgb8" : "rgba8";
 }
 
-const Widget* findWidget(std::string_view name) { return find(widgets, name); }
+const Widget* findWidget(std::string_view name) {
+    return find(widgets, name);
+}
 
-std::vector<std::string> widgetNames() { return namesOf(widgets); }
+std::vector<std::string> widgetNames() {
+    return namesOf(widgets);
+}
 
 bool fits(const Widget& widget, ValueType type) {
     const std::string_view name = widget.name;

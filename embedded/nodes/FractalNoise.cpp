@@ -13,32 +13,38 @@ enum Parameter { Style, Repeats, Octaves, Gain, Seed };
 enum StyleChoice { Plain, Turbulence, Ridged };
 
 // Along one axis, what does not depend on the other: for each pixel its place in its lattice cell, for each
-// cell its first pixel.
+// cell its first pixel. The lattice is shifted against the image by a part of a cell, so there is one cell
+// more, which is the first one again.
 struct LatticeAxis {
-    LatticeAxis(int size, int cellCount)
+    LatticeAxis(int size, int cellCount, float shift)
         : cells(cellCount)
+        , cellOf(static_cast<std::size_t>(size))
         , places(static_cast<std::size_t>(size))
-        , firstPixels(static_cast<std::size_t>(cellCount) + 1, size) {
+        , firstPixels(static_cast<std::size_t>(cellCount) + 2, size) {
         int nextCell = 0;
         for (int pixel = 0; pixel < size; ++pixel) {
-            const double position = (pixel + 0.5) * cellCount / size;
+            const double position = (pixel + 0.5) * cellCount / size + static_cast<double>(shift);
             const int cell = static_cast<int>(position);
+            cellOf[static_cast<std::size_t>(pixel)] = cell;
             places[static_cast<std::size_t>(pixel)] = static_cast<float>(position - cell);
             while (nextCell <= cell) firstPixels[static_cast<std::size_t>(nextCell++)] = pixel;
         }
     }
 
     int cells;
+    std::vector<int> cellOf;
     std::vector<float> places;
-    std::vector<int> firstPixels; // cells + 1 of them
+    std::vector<int> firstPixels; // cells + 2 of them
 };
 
 struct Octave {
-    Octave(const NodeRun& run, int columns, int rows, float octaveAmplitude, std::uint32_t octaveSeed)
-        : across(run.width, columns)
-        , down(run.height, rows)
+    // Gradient noise is zero at lattice points; the random shift keeps those of the octaves from falling
+    // together.
+    Octave(const NodeRun& run, int columns, int rows, float octaveAmplitude, const Hash3& random)
+        : across(run.width, columns, unitFloat(random.y))
+        , down(run.height, rows, unitFloat(random.z))
         , amplitude(octaveAmplitude)
-        , seed(octaveSeed) {}
+        , seed(random.x) {}
 
     LatticeAxis across;
     LatticeAxis down;
@@ -56,13 +62,14 @@ Gradient gradientAt(int column, int row, std::uint32_t seed) {
     return {cosineOfTurns(turns), sineOfTurns(turns)};
 }
 
-// Gradients along one lattice row, the first repeated at the end.
+// Gradients at the corners along one lattice row, which wraps around.
 void fillGradients(const Octave& octave, int row, std::vector<Gradient>& gradients) {
     const int columns = octave.across.cells;
-    gradients.resize(static_cast<std::size_t>(columns) + 1);
+    gradients.resize(static_cast<std::size_t>(columns) + 2);
     for (int i = 0; i < columns; ++i)
         gradients[static_cast<std::size_t>(i)] = gradientAt(i, row % octave.down.cells, octave.seed);
-    gradients.back() = gradients.front();
+    gradients[static_cast<std::size_t>(columns)] = gradients[0];
+    gradients[static_cast<std::size_t>(columns) + 1] = gradients[1];
 }
 
 // One octave's lattice rows around the present pixel row; neighbouring pixel rows share them.
@@ -95,7 +102,7 @@ void eachNoise(const Octave& octave, const LatticeRows& lattice, float ty, Emit 
     };
     float leftSlope = slope(0);
     float leftLevel = level(0);
-    for (std::size_t cell = 0; cell < static_cast<std::size_t>(octave.across.cells); ++cell) {
+    for (std::size_t cell = 0; cell <= static_cast<std::size_t>(octave.across.cells); ++cell) {
         const float rightSlope = slope(cell + 1);
         const float rightLevel = level(cell + 1);
         const int end = octave.across.firstPixels[cell + 1];
@@ -129,13 +136,13 @@ public:
             const int rows = run.integer(Repeats, 1) << i;
             if (i == 0 || (2 * columns <= run.width && 2 * rows <= run.height))
                 octaves_.emplace_back(run, columns, rows, amplitude * toUnit,
-                                      hash(seed, static_cast<std::uint32_t>(i), 3).x);
+                                      hash(seed, static_cast<std::uint32_t>(i), 3));
             sum += amplitude;
             squares += amplitude * amplitude;
         }
         // Octaves are independent: their sum spreads as the root of the squares. The factors leave about one
         // pixel in a thousand to be clamped.
-        normalisation_ = style_ == Plain        ? 0.46f / std::sqrt(squares)
+        normalisation_ = style_ == Plain        ? 0.55f / std::sqrt(squares)
                          : style_ == Turbulence ? 1.5f / sum
                                                 : 1.0f / sum;
     }
@@ -149,8 +156,7 @@ public:
             std::fill(weights.begin(), weights.end(), 1.0f);
             for (std::size_t i = 0; i < octaves_.size(); ++i) {
                 const Octave& octave = octaves_[i];
-                const double position = (y + 0.5) * octave.down.cells / octave.down.places.size();
-                lattices[i].moveTo(octave, static_cast<int>(position));
+                lattices[i].moveTo(octave, octave.down.cellOf[static_cast<std::size_t>(y)]);
                 addOctave(octave, lattices[i], octave.down.places[static_cast<std::size_t>(y)], out,
                           weights.data());
             }

@@ -17,6 +17,9 @@ unsigned int unsignedAttribute(const TiXmlElement& element, const char* name);
 // does not begin with a number is as good as none and gives the starting value.
 int integerAttribute(const TiXmlElement& element, const char* name, int startingValue);
 
+// The root of the document, when it has that name.
+const TiXmlElement* rootElement(const TiXmlDocument& document, const char* name);
+
 // Calls back for every child element of that name, in document order.
 template <class Callback>
 void forEachChild(const TiXmlElement& element, const char* name, const Callback& callback) {

@@ -51,8 +51,8 @@ bool readGraph(const TiXmlElement& element, GraphDesc& graph) {
 }
 
 // Room is reserved for as many graphs as the document announces. When it announces too few, the list grows by
-// copying, and the graphs in it lose their presets and their parent, as copies do. Kept: hosts rely on the rule
-// that only announced graphs are complete.
+// copying, and the graphs in it lose their presets and their parent, as copies do. Kept: hosts rely on the
+// rule that only announced graphs are complete.
 void readGraphs(const TiXmlElement& list, PackageDesc& package, std::vector<GraphDesc>& graphs) {
     graphs.reserve(roomForChildren(list, "graph"));
     forEachChild(list, "graph", [&](const TiXmlElement& element) {
@@ -64,3 +64,16 @@ void readGraphs(const TiXmlElement& list, PackageDesc& package, std::vector<Grap
 
 } // namespace
 
+bool parsePackageDescription(const char* xmlText, PackageDesc& package, unsigned int& assemblyUid,
+                             std::vector<GraphDesc>& graphs) {
+    const auto document = support::parseXmlDocument(xmlText, TIXML_ENCODING_UTF8);
+    const TiXmlElement* const root = document ? rootElement(*document, "sbsdescription") : nullptr;
+    if (!root || !root->Attribute("asmuid")) return false;
+    assemblyUid = unsignedAttribute(*root, "asmuid");
+    const TiXmlElement* const list = root->FirstChildElement("graphs");
+    if (!list) return false;
+    readGraphs(*list, package, graphs);
+    return true;
+}
+
+} // namespace SubstanceAir

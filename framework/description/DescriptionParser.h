@@ -9,8 +9,8 @@ namespace SubstanceAir {
 
 class PackageDesc;
 
-// Appends the document's graphs, in document order; the package is to be their parent. False for a document that
-// is malformed or is no package description; what was read of it until then stays in the two results.
+// Appends the document's graphs, in document order; the package is to be their parent. False for a document
+// that is malformed or is no package description; what was read of it until then stays in the two results.
 bool parsePackageDescription(const char* xmlText, PackageDesc& package, unsigned int& assemblyUid,
                              std::vector<GraphDesc>& graphs);
 

@@ -6,7 +6,8 @@ namespace SubstanceAir {
 
 namespace {
 
-std::vector<std::unique_ptr<InputDescBase>> cloneAll(const std::vector<std::unique_ptr<InputDescBase>>& inputs) {
+std::vector<std::unique_ptr<InputDescBase>>
+cloneAll(const std::vector<std::unique_ptr<InputDescBase>>& inputs) {
     std::vector<std::unique_ptr<InputDescBase>> clones;
     clones.reserve(inputs.size());
     for (const auto& input : inputs) clones.push_back(input->clone());

@@ -14,9 +14,9 @@ namespace SubstanceAir {
 class PackageDesc;
 
 // Held by value in its package. Copies own copies of the input descriptors, and take neither presets nor
-// parent along: a new copy has none, a target of an assignment keeps its own. There is no move, so that a list
-// of graphs that outgrows its room copies by the same rule. On purpose: hosts tell a graph that stands in its
-// package from a copy by these two.
+// parent along: a new copy has none, a target of an assignment keeps its own. There is no move, so that a
+// list of graphs that outgrows its room copies by the same rule. On purpose: hosts tell a graph that stands
+// in its package from a copy by these two.
 struct GraphDesc {
     std::string packageUrl; // the graph's identity within its package
     std::string label;

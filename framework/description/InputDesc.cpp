@@ -25,7 +25,9 @@ template struct InputDescNumerical<Math::Vector2<int>>;
 template struct InputDescNumerical<Math::Vector3<int>>;
 template struct InputDescNumerical<Math::Vector4<int>>;
 
-std::unique_ptr<InputDescBase> InputDescImage::clone() const { return std::make_unique<InputDescImage>(*this); }
+std::unique_ptr<InputDescBase> InputDescImage::clone() const {
+    return std::make_unique<InputDescImage>(*this);
+}
 
 std::unique_ptr<InputInstanceBase> InputDescImage::instantiate(GraphInstance& parent) const {
     return std::make_unique<InputInstanceImage>(*this, parent);

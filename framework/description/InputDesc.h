@@ -22,9 +22,10 @@ struct InputDescBase {
     unsigned int uid = 0;
     unsigned int type = Float; // an InputType
     std::string label;
-    std::vector<unsigned int> alteredOutputUids; // outputs of the same graph that this input alters, ascending
-    bool isSystem = false;                       // the identifier begins with "$": part of a graph's state key
-    std::string guiXml; // the whole "inputgui" element, printed compactly; empty when there is none
+    std::vector<unsigned int>
+        alteredOutputUids; // outputs of the same graph that this input alters, ascending
+    bool isSystem = false; // the identifier begins with "$": part of a graph's state key
+    std::string guiXml;    // the whole "inputgui" element, printed compactly; empty when there is none
 
     virtual ~InputDescBase() = default;
     virtual bool isNumerical() const { return false; }

@@ -14,7 +14,8 @@ namespace {
 template <class T>
 T valueAttribute(const TiXmlElement& element, const char* name) {
     T value{};
-    return valueFromText(textAttribute(element, name), value) ? value : T{};
+    valueFromText(textAttribute(element, name), value);
+    return value;
 }
 
 template <class T>
@@ -29,24 +30,48 @@ std::unique_ptr<InputDescBase> readNumerical(const TiXmlElement& element) {
 // A descriptor of the class that the type asks for, with its values; null when there is no such class.
 std::unique_ptr<InputDescBase> readValues(const TiXmlElement& element, unsigned int type) {
     switch (type) {
-    case Float: return readNumerical<float>(element);
-    case Float2: return readNumerical<Math::Vector2<float>>(element);
-    case Float3: return readNumerical<Math::Vector3<float>>(element);
-    case Float4: return readNumerical<Math::Vector4<float>>(element);
-    case Integer: return readNumerical<int>(element);
-    case Image: return std::make_unique<InputDescImage>();
-    case Integer2: return readNumerical<Math::Vector2<int>>(element);
-    case Integer3: return readNumerical<Math::Vector3<int>>(element);
-    case Integer4: return readNumerical<Math::Vector4<int>>(element);
-    default: return nullptr;
+    case Float:
+        return readNumerical<float>(element);
+    case Float2:
+        return readNumerical<Math::Vector2<float>>(element);
+    case Float3:
+        return readNumerical<Math::Vector3<float>>(element);
+    case Float4:
+        return readNumerical<Math::Vector4<float>>(element);
+    case Integer:
+        return readNumerical<int>(element);
+    case Image:
+        return std::make_unique<InputDescImage>();
+    case Integer2:
+        return readNumerical<Math::Vector2<int>>(element);
+    case Integer3:
+        return readNumerical<Math::Vector3<int>>(element);
+    case Integer4:
+        return readNumerical<Math::Vector4<int>>(element);
+    default:
+        return nullptr;
     }
 }
 
+// One uid for each token between commas, 0 for a token that is no number. An empty text has no token.
+std::vector<unsigned int> readUids(const std::string& text) {
+    std::vector<unsigned int> uids;
+    if (text.empty()) return uids;
+    size_t begin = 0;
+    size_t comma = 0;
+    do {
+        comma = text.find(',', begin);
+        const std::string token = text.substr(begin, comma - begin);
+        uids.push_back(support::wholeOrZero<unsigned int>(token.c_str()));
+        begin = comma + 1;
+    } while (comma != std::string::npos);
+    return uids;
+}
+
 // Enters the link between the input and the outputs that it names on both sides. A token that is no number
-// reads as 0, and names the output of that uid if there is one.
+// names the output of uid 0, if there is one.
 void linkAlteredOutputs(const TiXmlElement& element, InputDescBase& input, std::vector<OutputDesc>& outputs) {
-    for (const std::string& token : splitAtCommas(textAttribute(element, "alteroutputs"))) {
-        const unsigned int uid = unsignedFromText(token);
+    for (const unsigned int uid : readUids(textAttribute(element, "alteroutputs"))) {
         const auto output = findOutput(outputs, uid);
         if (output == outputs.end()) continue;
         input.alteredOutputUids.push_back(uid);

@@ -21,7 +21,8 @@ struct OutputDesc {
     std::vector<unsigned int> alteringInputUids; // inputs of the graph that alter this output, ascending
 };
 
-// Fills a fresh descriptor from an "output" element. Always true: what is absent or malformed stays empty or 0.
+// Fills a fresh descriptor from an "output" element. Always true: what is absent or malformed stays empty or
+// 0.
 bool parseOutput(const TiXmlElement& element, OutputDesc& output);
 
 // The first of the outputs, which are sorted by uid, that has the uid; outputs.end() when there is none.

@@ -26,18 +26,26 @@ int classOfFormat(int format) {
     switch (format) {
     case 0:
     case 4:
-    case 8: return 0;
-    case 12: return 1;
+    case 8:
+        return 0;
+    case 12:
+        return 1;
     case 16:
     case 20:
-    case 24: return 2;
-    case 28: return 3;
-    case 1: return 4;
+    case 24:
+        return 2;
+    case 28:
+        return 3;
+    case 1:
+        return 4;
     case 5:
-    case 9: return 5;
+    case 9:
+        return 5;
     case 13:
-    case 17: return 6;
-    default: return -1;
+    case 17:
+        return 6;
+    default:
+        return -1;
     }
 }
 

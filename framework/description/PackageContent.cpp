@@ -9,8 +9,8 @@ namespace SubstanceAir {
 
 namespace {
 
-// What the linker delivered last. The buffers are the process's, on purpose, because the linker's callbacks carry
-// no user data: a package that the linker delivers nothing for reads the content of the one before.
+// What the linker delivered last. The buffers are the process's, on purpose, because the linker's callbacks
+// carry no user data: a package that the linker delivers nothing for reads the content of the one before.
 struct LinkerAnswer {
     boost::mutex mutex; // held from before the linker is called until the content has been copied
     PackageContent content;

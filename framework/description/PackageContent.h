@@ -12,8 +12,8 @@ struct PackageContent {
     std::vector<char> assembly;
 };
 
-// Never fails: what the linker does not deliver anew is what the package before it had. From any thread; calls
-// wait for each other.
+// Never fails: what the linker does not deliver anew is what the package before it had. From any thread;
+// calls wait for each other.
 PackageContent splitPackage(const void* data, size_t size);
 
 } // namespace SubstanceAir

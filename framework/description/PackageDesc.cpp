@@ -33,19 +33,24 @@ PackageDesc::PackageDesc(const void* data, size_t size, const OutputFormatOption
             for (OutputDesc& output : graph.outputs) applyOptions(*options, output);
 
     const RendererAccess renderer;
-    if (renderer) renderer->registerPackage(*this);
+    if (!renderer) return;
+    renderer->registerPackage(*this);
     isRegistered = true;
 }
 
-PackageDesc::~PackageDesc() { close(); }
+PackageDesc::~PackageDesc() {
+    close();
+}
 
 void PackageDesc::close() {
-    // Packages without graphs leave their key behind. Kept: hosts rely on a uid staying taken.
-    const bool keepsKey = graphDescs.empty();
-    if (!keepsKey || isRegistered) {
+    // Whether the key goes is a matter of the graphs, not of the registration. Kept: a uid that was given out
+    // without any graph stays taken, and no stack of a later package falls on it.
+    if (!graphDescs.empty()) {
         const RendererAccess renderer;
-        if (renderer && keepsKey) renderer->forgetPackage(*this);
-        if (renderer && !keepsKey) renderer->unregisterPackage(assemblyUid);
+        if (renderer) renderer->unregisterPackage(assemblyUid);
+    } else if (isRegistered) {
+        const RendererAccess renderer;
+        if (renderer) renderer->forgetPackage(*this);
     }
     isRegistered = false;
     graphDescs.clear();

@@ -54,4 +54,12 @@ void parsePresets(std::vector<Preset>& presets, const TiXmlElement& element, con
                  [&](const TiXmlElement& preset) { presets.push_back(readPreset(preset, owner)); });
 }
 
+bool parsePresetsDocument(std::vector<Preset>& presets, const char* xmlText) {
+    const size_t sizeBefore = presets.size();
+    const auto document = support::parseXmlDocument(xmlText, TIXML_ENCODING_UTF8);
+    const TiXmlElement* const root = document ? rootElement(*document, "sbspresets") : nullptr;
+    if (root) parsePresets(presets, *root, nullptr);
+    return presets.size() > sizeBefore;
+}
+
 } // namespace SubstanceAir

@@ -21,8 +21,8 @@ public:
     virtual void reset() = 0; // to the description's default
     virtual ~InputInstanceBase() = default;
 
-    // What is pushed into the engine: a number's address and size; for an image the address of the record that
-    // begins with the pointer to be pushed, and the size of a pointer.
+    // What is pushed into the engine: a number's address and size; for an image the address of the record
+    // that begins with the pointer to be pushed, and the size of a pointer.
     virtual const void* rawData() const = 0;
     virtual size_t rawSize() const = 0;
 

@@ -17,7 +17,7 @@ struct InputValueSnapshot {
     unsigned int uid;
     unsigned int type; // an InputType
     bool isStateKey;
-    std::vector<unsigned char> value;     // the raw data
+    std::vector<unsigned char> value;    // the raw data
     boost::shared_ptr<InputImage> image; // keeps alive what an image's raw data points to
 };
 

@@ -6,14 +6,16 @@
 
 #include <boost/core/noncopyable.hpp>
 
+#include <atomic>
 #include <cstdint>
 #include <deque>
 #include <memory>
 
 namespace SubstanceAir {
 
-// The flags belong to the host's thread. The queue of results is shared with the render thread and has a mutex
-// of its own, process-wide, held for one push or pop.
+// Belongs to the host's thread, but for two things that the render thread shares: the dirty flag, which it
+// sets again after a failure, and the queue of results, which has a mutex of its own, process-wide, held for
+// one push or pop.
 class OutputInstance : private boost::noncopyable {
 public:
     explicit OutputInstance(const OutputDesc& description);
@@ -24,9 +26,9 @@ public:
     void appendResult(std::unique_ptr<RenderResult> result);
 
     const OutputDesc& desc;
-    bool enabled = true;       // only enabled outputs are rendered
-    std::uint64_t hostData = 0; // the host's; rendering does not look at it
-    bool dirty = true;         // to be rendered; cleared when a job takes the output
+    bool enabled = true;            // only enabled outputs are rendered
+    std::uint64_t hostData = 0;     // the host's; rendering does not look at it
+    std::atomic<bool> dirty = true; // to be rendered; cleared when a job takes the output
 
 private:
     std::deque<std::unique_ptr<RenderResult>> results; // oldest first

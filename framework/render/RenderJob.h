@@ -5,6 +5,7 @@
 
 #include <boost/core/noncopyable.hpp>
 
+#include <atomic>
 #include <cstdint>
 #include <memory>
 #include <vector>
@@ -14,8 +15,11 @@ namespace SubstanceAir {
 class GraphInstance;
 class OutputInstance;
 
-// Made on the host's thread and handed to the renderer. Outputs are not owned; an instance that dies takes its
-// outputs out of waiting jobs.
+// What has become of one output of a job in the run in progress.
+enum class OutputOutcome : unsigned char { Awaited, Failed, Delivered };
+
+// Made on the host's thread and handed to the renderer. Outputs are not owned; an instance that dies takes
+// its outputs out of waiting jobs.
 struct RenderJob : private boost::noncopyable {
     std::vector<unsigned char> keyBytes;
     unsigned int packageUid = 0;
@@ -24,6 +28,10 @@ struct RenderJob : private boost::noncopyable {
     bool pushed = false;
     std::vector<OutputInstance*> outputs;
     std::vector<InputValueSnapshot> inputs;
+
+    // The renderer's, for the time of a run. Any of the engine's threads may write an outcome.
+    std::shared_ptr<const void> engineContext;        // which finished textures keep alive
+    std::vector<std::atomic<OutputOutcome>> outcomes; // one for each output
 };
 
 // Takes every output of the graph that is enabled and dirty, and marks it clean. Null when there is none, or
@@ -32,5 +40,12 @@ std::unique_ptr<RenderJob> makeRenderJob(GraphInstance& graph);
 
 // For a job that will not be rendered: its outputs become dirty again.
 void returnOutputs(const RenderJob& job);
+
+// Puts the job's inputs and outputs in the order of their uids.
+void sortByUid(RenderJob& job);
+
+// Adds the inputs and outputs of a newer job of the same package to a waiting one, both sorted. Where both
+// have a uid the newer job's entry wins; an output of another graph instance that loses becomes dirty again.
+void mergeInto(RenderJob& waiting, RenderJob& newer);
 
 } // namespace SubstanceAir

@@ -14,7 +14,7 @@ class RenderResult : private boost::noncopyable {
 public:
     // The keeper is whatever has to live until the buffer is freed.
     RenderResult(const SubstanceTexture& finished, SubstanceContext* allocator,
-                 std::shared_ptr<const void> contextKeeper);
+                 std::shared_ptr<const void> contextKeeper) noexcept;
     ~RenderResult();
 
     const SubstanceTexture texture;

@@ -7,6 +7,7 @@
 #include "platform/linker.h"
 
 #include <boost/core/noncopyable.hpp>
+#include <boost/thread/mutex.hpp>
 
 #include <cstdint>
 #include <map>
@@ -16,46 +17,78 @@
 
 namespace SubstanceAir {
 
-class OutputInstance;
 class PackageRegistry;
 
-// Lives as long as the renderer. Everything but run is called with the renderer mutex held; run, on the render
-// thread, without it, while no job is pushed.
+// Lives as long as the renderer, and is linked once: a package that changes needs a new state. Everything but
+// run is called with the renderer mutex held; run, on the render thread, without it. Jobs may be pushed
+// during a run, and wait for the next.
 class RenderState : private boost::noncopyable {
 public:
     RenderState() = default;
-    ~RenderState(); // releases the handle
 
-    // A state without keys takes any job; else the job's package and key bytes must be those of the first key.
+    // A state without keys takes any job; else the job's package and key bytes must be those of the first
+    // key.
     bool matches(const RenderJob& job) const;
 
-    // Takes the job, or destroys it and returns false when it does not match.
+    // Takes the job, or destroys it and returns false when it does not match. A job that joins a waiting one
+    // of its package is merged into it.
     bool push(std::unique_ptr<RenderJob> job);
 
-    // Links and initialises on first use, pushes what changed, and starts the engine. A failure of the linker or
-    // the engine leaves the jobs waiting for the next run.
-    void run(SubstanceLinkerContext* linkerContext, SubstanceContext* engineContext,
+    // Links and initialises on first use, pushes what changed, and starts the engine. A failure of the linker
+    // or the engine leaves the jobs waiting for the next run. Does nothing unless there are both contexts.
+    void run(SubstanceLinkerContext* linkerContext, const std::shared_ptr<SubstanceContext>& engineContext,
              const PackageRegistry& packages);
 
     // True when the state serves this one graph only; its first key then gets the new bytes.
     bool updateKey(std::uint64_t graphIdentity, const std::vector<unsigned char>& newBytes);
 
-    // Takes the outputs out of every waiting job, and drops jobs that are left without any.
-    void forgetOutputs(const std::vector<const OutputInstance*>& dying);
+    // Whether a key of the state names the package.
+    bool hasPackage(unsigned int packageUid) const;
+
+    // Takes the outputs out of every waiting job, and drops jobs that are left without any. Not during a run.
+    void forgetOutputs(const std::vector<std::unique_ptr<OutputInstance>>& dying);
 
 private:
+    struct HandleRelease {
+        void operator()(SubstanceHandle* handle) const { substanceHandleRelease(handle); }
+    };
+    using HandleOwner = std::unique_ptr<SubstanceHandle, HandleRelease>;
+    using EngineInputs = std::map<unsigned int, SubstanceInputDesc>; // by input uid
+
+    bool accepts(const RenderJob& job) const;
+    void enqueue(std::unique_ptr<RenderJob> job);
+
+    bool makeHandle(SubstanceLinkerContext* linkerContext, SubstanceContext* engineContext,
+                    const PackageRegistry& packages);
     unsigned int link(SubstanceLinkerContext* linkerContext, const PackageRegistry& packages);
     unsigned int initialiseHandle(SubstanceContext* engineContext);
-    void releaseHandle();
+    static unsigned int readInputs(SubstanceHandle* fresh, EngineInputs& inputs);
+    bool isWaiting() const;
+    std::vector<unsigned int> waitingPackages() const;
 
-    SubstanceHandle* handle = nullptr;
-    std::vector<unsigned char> assembly; // empty until linked
+    void takePending();
+    bool renderCurrent(const std::shared_ptr<SubstanceContext>& engineContext);
+    bool pushJobs();
+    void pushHints();
+    bool pushChangedInputs(const RenderJob& job);
+    bool pushInput(const InputValueSnapshot& input, unsigned int flags);
+    bool pushOutputs(RenderJob& job, unsigned int flags);
+    void putBack();
+
+    // Shared between the host's threads and the render thread.
+    mutable boost::mutex mutex;
     std::vector<StateKey> keys;
-    std::set<std::uint64_t> graphs; // whose jobs were pushed into this state
-    std::map<unsigned int, InputValueSnapshot> lastPushed;
+    std::set<std::uint64_t> graphs;                  // whose jobs were pushed into this state
     std::vector<std::unique_ptr<RenderJob>> pending; // for the next run
+
+    // The render thread's.
+    HandleOwner handle;
+    std::vector<unsigned char> assembly; // empty until linked
+    EngineInputs engineInputs;
+    std::map<unsigned int, InputValueSnapshot> lastPushed; // what the handle holds, by input uid
+    std::vector<unsigned int> pushedNow;                   // the inputs pushed by the run in progress
+    bool isStartDue = false;                         // outputs were pushed, and the engine holds their jobs
     std::vector<std::unique_ptr<RenderJob>> current; // of the run in progress
-    std::map<unsigned int, SubstanceInputDesc> engineInputs;
 };
 
 } // namespace SubstanceAir

@@ -1,4 +1,4 @@
-// The way to the renderer: a lock on the renderer mutex for as long as the access stands.
+// The ways to the renderer: a lock on the renderer mutex for as long as the access stands.
 #pragma once
 
 #include <boost/core/noncopyable.hpp>
@@ -9,17 +9,32 @@ namespace SubstanceAir {
 
 class RendererImpl;
 
-// The first access of a process creates the renderer. When the process is exiting and the renderer is closed for
-// good, an access is empty and locks nothing.
+// The first access of a process creates the renderer. When the process is exiting and the renderer is closed
+// for good, an access is empty and locks nothing. Under an access no graph instance may die, and no other
+// access may be opened: the mutex is not recursive.
 class RendererAccess : private boost::noncopyable {
 public:
     RendererAccess();
-    ~RendererAccess();
 
     explicit operator bool() const { return renderer != nullptr; }
     RendererImpl* operator->() const { return renderer; }
 
 private:
+    boost::unique_lock<boost::mutex> lock;
+    RendererImpl* renderer = nullptr;
+};
+
+// Waits for a run in progress, and keeps the next one from beginning. Creates no renderer: without one it is
+// empty, as it is when the process is exiting.
+class IdleRendererAccess : private boost::noncopyable {
+public:
+    IdleRendererAccess();
+
+    explicit operator bool() const { return renderer != nullptr; }
+    RendererImpl* operator->() const { return renderer; }
+
+private:
+    boost::unique_lock<boost::mutex> runLock;
     boost::unique_lock<boost::mutex> lock;
     RendererImpl* renderer = nullptr;
 };

@@ -5,8 +5,8 @@
 //     worker: substanceHandlePushSetInput(handle1, 0, 2:bricks.tint, Float3, 0.5,0.25,1, 0) = 7
 // with the thread ("host" is the thread that called reset(), "engine" a thread of this double, "worker" any
 // other), the arguments, and the status unless it is 0. Objects are numbered by their first mention since
-// reset(), jobs since the last start; uids that a pushed package describes are printed as the package's tag and the identifier.
-// Callbacks into the library stand between the calls as lines of their own.
+// reset(), jobs since the last start; uids that a pushed package describes are printed as the package's tag
+// and the identifier. Callbacks into the library stand between the calls as lines of their own.
 //
 // Everything here may be called from any thread. The library's renderer lives as long as the process: reset()
 // does not touch the objects that it holds, and tests take fresh uids so as to meet none of its old states.
@@ -75,9 +75,9 @@ void setEngineDescription(const std::vector<EngineInput>& inputs, const std::vec
 enum class Caller { StartingThread, OneThread, ThreadEach };
 struct Completions {
     Caller caller = Caller::StartingThread;
-    bool reversed = false;                // else in the order of the pushes
-    unsigned int repeats = 1;             // how often each is reported
-    std::vector<unsigned int> unasked{};  // uids reported too, with the first pushed job's user data
+    bool reversed = false;               // else in the order of the pushes
+    unsigned int repeats = 1;            // how often each is reported
+    std::vector<unsigned int> unasked{}; // uids reported too, with the first pushed job's user data
 };
 void setCompletions(const Completions& completions);
 
@@ -85,7 +85,7 @@ void setCompletions(const Completions& completions);
 struct Texture {
     unsigned short width = 4;
     unsigned short height = 2;
-    int format = -1;                        // -1: as the package says
+    int format = -1; // -1: as the package says
     bool hasBuffer = true;
     std::vector<unsigned char> pixels = {}; // repeated to fill the buffer
 };

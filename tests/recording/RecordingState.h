@@ -43,7 +43,7 @@ struct SubstanceLinkerHandle_ {
     SubstanceLinkerContext* context = nullptr;
     unsigned int pushes = 0;
     bool failed = false;
-    std::string label; // the assemblies pushed
+    std::string label; // "linked:" and the tags of what was pushed
     recording::Program program;
     std::string linked;
 };
@@ -59,9 +59,9 @@ struct SubstanceHandle_ {
     bool released = false;
     SubstanceContext* context = nullptr;
     recording::Program program;
-    std::map<unsigned int, std::string> values;              // by input index, as printed
-    std::vector<std::pair<unsigned int, void*>> queue;       // output index, job user data
-    std::set<unsigned int> computed;                         // output indices with a texture to fetch
+    std::map<unsigned int, std::string> values;        // by input index, as printed
+    std::vector<std::pair<unsigned int, void*>> queue; // output index, job user data
+    std::set<unsigned int> computed;                   // output indices with a texture to fetch
     bool starting = false;
 };
 
@@ -169,8 +169,8 @@ public:
 
     // Makes the object of an out-parameter, unless the call fails.
     template <class T>
-    void create(T** out) {
-        *out = status ? nullptr : state().objects(*out = nullptr).create();
+    T* create() {
+        return ok() ? state().objects(static_cast<T*>(nullptr)).create() : nullptr;
     }
 
     template <class T>

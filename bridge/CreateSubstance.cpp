@@ -1,0 +1,61 @@
+#include "bridge/CreateSubstance.h"
+
+#include "bridge/InputCreation.h"
+#include "framework/description/PackageDesc.h"
+#include "framework/render/GraphInstance.h"
+#include "framework/render/PackageStackDesc.h"
+
+#include <limits>
+#include <memory>
+
+namespace kvSubstance {
+
+using SubstanceAir::PackageDesc;
+using SubstanceAir::PackageStackDesc;
+
+namespace {
+
+constexpr size_t MaxPackageSize = std::numeric_limits<int>::max(); // sizes pass through the linker as int
+
+void fillMaterial(Substance& material) {
+    const auto graphs = material.getGraphInstances();
+    for (const auto& graph : graphs) {
+        for (const auto& instance : graph->inputs) createInput(material, *instance);
+        material.setPackageURL(graph->desc.packageUrl.c_str());
+        material.setLabel(kvString::IString(graph->desc.label.c_str(), kvString::EncodingMultibyte));
+    }
+}
+
+std::unique_ptr<PackageDesc> readPackage(const kv::vector<char>& content) {
+    const SubstanceAir::OutputFormatOptions options{SubstanceAir::AllFormatClasses, 0};
+    return std::make_unique<PackageDesc>(content.data(), content.size(), &options);
+}
+
+} // namespace
+
+// The material only borrows the stack, which therefore outlives everything once the material is complete.
+kv::Reference<Substance> createSubstance(PackageDesc* first, PackageDesc* second) {
+    if (!first || !second || first->graphs().empty() || second->graphs().empty()) return {};
+    std::unique_ptr<PackageStackDesc> stack; // dies after the material, whose graphs refer to it
+    const kv::Reference<Substance> material(new Substance);
+    stack = std::make_unique<PackageStackDesc>(first->graphs().front(), second->graphs().front(),
+                                               SubstanceAir::ConnectionList());
+    SubstanceAir::instantiateGraphs(material->getGraphInstances(), *stack);
+    fillMaterial(*material);
+    material->setPackageDesc(stack.release(), first, second);
+    return material;
+}
+
+kv::Reference<Substance> createSubstance(const kv::vector<char>& first, const kv::vector<char>& second) {
+    if (first.size() > MaxPackageSize || second.size() > MaxPackageSize) return {};
+    auto firstPackage = readPackage(first);
+    auto secondPackage = readPackage(second);
+    kv::Reference<Substance> material = createSubstance(firstPackage.get(), secondPackage.get());
+    if (material) {
+        firstPackage.release();
+        secondPackage.release();
+    }
+    return material;
+}
+
+} // namespace kvSubstance

@@ -1,0 +1,47 @@
+#include "bridge/RenderQueue.h"
+
+#include "framework/render/GraphInstance.h"
+#include "framework/render/RenderThread.h"
+#include "framework/render/Renderer.h"
+#include "framework/render/RendererAccess.h"
+
+#include <utility>
+
+namespace kvSubstance {
+
+RenderQueue::RenderQueue() {
+    SubstanceAir::startRenderThread();
+}
+
+RenderQueue::~RenderQueue() {
+    SubstanceAir::stopRenderThread();
+    for (const auto& job : jobs) {
+        if (job) SubstanceAir::returnOutputs(*job);
+    }
+}
+
+// Room comes first: a job that is made has taken its outputs, and must not be lost for want of memory.
+void RenderQueue::push(SubstanceAir::GraphInstance& graph) {
+    jobs.emplace_back();
+    jobs.back() = SubstanceAir::makeRenderJob(graph);
+    if (!jobs.back()) jobs.pop_back();
+}
+
+bool RenderQueue::handOver() {
+    const SubstanceAir::RendererAccess renderer;
+    if (!renderer) return false;
+    while (!jobs.empty()) {
+        auto job = std::move(jobs.front());
+        jobs.pop_front();
+        renderer->pushJob(std::move(job));
+    }
+    return true;
+}
+
+void RenderQueue::run() {
+    if (!handOver()) return;
+    SubstanceAir::requestRender();
+    SubstanceAir::waitRenderDone();
+}
+
+} // namespace kvSubstance

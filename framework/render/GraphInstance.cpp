@@ -1,0 +1,52 @@
+#include "framework/render/GraphInstance.h"
+
+#include "framework/render/Renderer.h"
+#include "framework/render/RendererAccess.h"
+
+#include <atomic>
+
+namespace SubstanceAir {
+
+namespace {
+
+std::uint64_t nextIdentity() {
+    static std::atomic<std::uint64_t> last{0};
+    return ++last;
+}
+
+} // namespace
+
+GraphInstance::GraphInstance(const GraphDesc& description)
+    : desc(description)
+    , identity(nextIdentity()) {
+    for (const OutputDesc& output : desc.outputs) outputs.push_back(std::make_unique<OutputInstance>(output));
+    for (const auto& input : desc.inputs) {
+        inputs.push_back(input->instantiate(*this));
+        if (!input->identifier.empty()) inputsByIdentifier.emplace(input->identifier, inputs.back().get());
+    }
+}
+
+GraphInstance::~GraphInstance() {
+    {
+        const IdleRendererAccess renderer;
+        if (renderer) renderer->forgetGraph(*this);
+    }
+    outputs.clear(); // before the inputs
+}
+
+std::vector<unsigned char> GraphInstance::keyBytes() const {
+    std::vector<unsigned char> bytes;
+    for (const auto& input : inputs) {
+        if (!input->isStateKey) continue;
+        const auto* const first = static_cast<const unsigned char*>(input->rawData());
+        bytes.insert(bytes.end(), first, first + input->rawSize());
+    }
+    return bytes;
+}
+
+InputInstanceBase* GraphInstance::findInput(const std::string& identifier) const {
+    const auto found = inputsByIdentifier.find(identifier);
+    return found != inputsByIdentifier.end() ? found->second : nullptr;
+}
+
+} // namespace SubstanceAir

@@ -1,0 +1,93 @@
+#include "framework/render/Renderer.h"
+
+#include "framework/description/PackageDesc.h"
+#include "framework/render/GraphInstance.h"
+#include "framework/render/OutputCompletion.h"
+
+#include <boost/thread/lock_guard.hpp>
+
+#include <algorithm>
+#include <utility>
+
+namespace SubstanceAir {
+
+using Lock = boost::lock_guard<boost::mutex>;
+
+RendererImpl::RendererImpl() {
+    substanceLinkerContextInit(&linkerContext, SubstanceLinkerApiVersion, SubstanceLinkerEngineId);
+}
+
+RendererImpl::~RendererImpl() {
+    states.clear();
+    engineContext.reset();
+    if (linkerContext) substanceLinkerContextRelease(linkerContext);
+}
+
+void RendererImpl::registerPackage(const PackageDesc& package) {
+    packages.insert(package, package.asmUid());
+}
+
+void RendererImpl::unregisterPackage(unsigned int uid) {
+    packages.erase(uid);
+}
+
+void RendererImpl::forgetPackage(const PackageDesc& package) {
+    packages.forget(package);
+}
+
+bool RendererImpl::isPackageUidTaken(unsigned int uid) const {
+    if (packages.contains(uid)) return true;
+    const Lock lock(statesMutex);
+    return std::any_of(states.begin(), states.end(),
+                       [uid](const auto& state) { return state->hasPackage(uid); });
+}
+
+void RendererImpl::pushJob(std::unique_ptr<RenderJob> job) {
+    const Lock lock(statesMutex);
+    auto state =
+        std::find_if(states.begin(), states.end(), [&job](const auto& each) { return each->matches(*job); });
+    if (state == states.end()) state = states.insert(state, std::make_unique<RenderState>());
+    (*state)->push(std::move(job));
+}
+
+void RendererImpl::runAll() {
+    if (!ensureContext()) return;
+    for (RenderState* const state : allStates()) state->run(linkerContext, engineContext, packages);
+}
+
+void RendererImpl::updateStateKey(std::uint64_t graphIdentity, const std::vector<unsigned char>& /*oldBytes*/,
+                                  const std::vector<unsigned char>& newBytes) {
+    const Lock lock(statesMutex);
+    for (const auto& state : states)
+        if (state->updateKey(graphIdentity, newBytes)) return;
+}
+
+void RendererImpl::forgetGraph(const GraphInstance& graph) {
+    const Lock lock(statesMutex);
+    for (const auto& state : states) state->forgetOutputs(graph.outputs);
+}
+
+void RendererImpl::onOutputCompleted(SubstanceHandle* handle, unsigned int outputIndex, void* jobUserData) {
+    if (jobUserData) completeOutput(handle, outputIndex, *static_cast<RenderJob*>(jobUserData));
+}
+
+bool RendererImpl::ensureContext() {
+    if (engineContext) return true;
+    SubstanceContext* made = nullptr;
+    if (substanceContextInit(&made, &device) != 0) return false;
+    std::shared_ptr<SubstanceContext> owner(made, substanceContextRelease);
+    const auto callback = reinterpret_cast<SubstanceCallback>(&RendererImpl::onOutputCompleted);
+    if (substanceContextSetCallback(made, SubstanceCallbackOutputCompleted, callback) != 0) return false;
+    engineContext = std::move(owner);
+    return true;
+}
+
+std::vector<RenderState*> RendererImpl::allStates() const {
+    const Lock lock(statesMutex);
+    std::vector<RenderState*> all;
+    all.reserve(states.size());
+    for (const auto& state : states) all.push_back(state.get());
+    return all;
+}
+
+} // namespace SubstanceAir

@@ -1,0 +1,332 @@
+#include "embedded/compiler/Compiler.h"
+#include "embedded/program/Assembly.h"
+#include "embedded/program/Package.h"
+#include "tests/embedded/program/ProgramText.h"
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <set>
+
+namespace embedded {
+namespace {
+
+// Line, column, severity if it is a warning, and element of each diagnostic.
+std::string summary(const CompileResult& result) {
+    std::string text;
+    for (const Diagnostic& diagnostic : result.diagnostics)
+        text += std::to_string(diagnostic.place.line) + ":" + std::to_string(diagnostic.place.column) +
+                (diagnostic.severity == Diagnostic::Severity::Warning ? " warning " : " ") +
+                diagnostic.element + "\n";
+    return text;
+}
+
+struct Compiled {
+    std::string description;
+    std::string program;
+};
+
+// Fails unless the source compiles without a word.
+Compiled compileClean(const std::string& source) {
+    const CompileResult result = compilePackage(source);
+    for (const Diagnostic& diagnostic : result.diagnostics) ADD_FAILURE() << toString(diagnostic, "source");
+    const auto package = decodePackage(result.package.data(), result.package.size());
+    if (!package) return {};
+    const auto program = decodeAssembly(package->assembly.data(), package->assembly.size());
+    EXPECT_TRUE(program);
+    return {package->description, program ? toText(*program) : std::string()};
+}
+
+const std::string goodSource = R"(<?xml version="1.0" encoding="UTF-8"?>
+<package>
+  <!-- Nodes in any order. -->
+  <graph url="pkg://test" label="Test &amp; more">
+    <preset label="Red" description="All red"><set input="tint" value="#ff0000"/><set input="mode" value="2"/></preset>
+    <node name="result" kind="blend" background="under" foreground="plain" mode="{mode}" opacity="{amount} * 0.5 + 0.25"/>
+    <node name="under" kind="imageInput" image="{diffuse}" fallback="#ffffff"/>
+    <node name="plain" kind="uniform" colour="colour" value="{tint}" encoding="srgb"/>
+    <node name="noise" kind="fbm" octaves="3" repeats="{amount2}"/>
+    <input identifier="$resolution" type="integer2" default="9,9"/>
+    <input identifier="$seed" type="integer"/>
+    <input identifier="diffuse" type="image" label="Below"/>
+    <input identifier="tint" type="float3" default="#336699" description="A &quot;colour&quot;"/>
+    <input identifier="amount" type="float" default="0.5" min="0" max="1" step="0.01" clamp="off"/>
+    <input identifier="amount2" type="integer2" default="4" min="1" max="16"/>
+    <input identifier="mode" type="integer" label="Mode"><item value="0" text="Plain"/><item value="2" text="Bright"/></input>
+    <output identifier="colour" node="result" label="Colour" mipmaps="5"/>
+    <output identifier="height" node="noise" format="gray16"/>
+  </graph>
+</package>
+)";
+
+TEST(Compiler, Description) {
+    EXPECT_EQ(compileClean(goodSource).description, R"(<?xml version="1.0" encoding="UTF-8" ?>
+<sbsdescription asmuid="837819025">
+  <graphs count="1">
+    <graph pkgurl="pkg://test" label="Test &amp; more">
+      <outputs count="2">
+        <output uid="2356507600" identifier="colour" format="32" mipmaps="5">
+          <outputgui label="Colour" />
+        </output>
+        <output uid="880458751" identifier="height" format="66" mipmaps="1">
+          <outputgui label="height">
+            <channels>
+              <channel names="height" />
+            </channels>
+          </outputgui>
+        </output>
+      </outputs>
+      <inputs count="7">
+        <input uid="4165606333" identifier="$resolution" type="8" default="9,9" min="0,0" max="14,14" alteroutputs="2356507600,880458751">
+          <inputgui label="$resolution" />
+        </input>
+        <input uid="1809416610" identifier="$seed" type="4" default="0" alteroutputs="880458751">
+          <inputgui label="$seed" />
+        </input>
+        <input uid="1295450921" identifier="diffuse" type="5" alteroutputs="2356507600">
+          <inputgui label="Below" widget="image" />
+        </input>
+        <input uid="852714736" identifier="tint" type="2" default="0.2,0.4,0.6" min="0,0,0" max="1,1,1" alteroutputs="2356507600">
+          <inputgui label="tint" description='A &quot;colour&quot;' widget="color">
+            <guicolor min="0,0,0" max="1,1,1" clamp="on" />
+          </inputgui>
+        </input>
+        <input uid="2276376765" identifier="amount" type="0" default="0.5" min="0" max="1" alteroutputs="2356507600">
+          <inputgui label="amount" widget="slider">
+            <guislider min="0" max="1" step="0.01" clamp="off" />
+          </inputgui>
+        </input>
+        <input uid="655958301" identifier="amount2" type="8" default="4,4" min="1,1" max="16,16" alteroutputs="880458751">
+          <inputgui label="amount2" widget="slider">
+            <guislider min="1,1" max="16,16" clamp="on" />
+          </inputgui>
+        </input>
+        <input uid="1390695982" identifier="mode" type="4" default="0" min="0" max="2" alteroutputs="2356507600">
+          <inputgui label="Mode" widget="combobox">
+            <guicombobox min="0" max="2" clamp="on">
+              <guicomboboxitem value="0" text="Plain" />
+              <guicomboboxitem value="2" text="Bright" />
+            </guicombobox>
+          </inputgui>
+        </input>
+      </inputs>
+      <sbspresets>
+        <sbspreset pkgurl="pkg://test" label="Red" description="All red">
+          <presetinput uid="852714736" identifier="tint" type="2" value="1,0,0" />
+          <presetinput uid="1390695982" identifier="mode" type="4" value="2" />
+        </sbspreset>
+      </sbspresets>
+    </graph>
+  </graphs>
+</sbsdescription>
+)");
+}
+
+TEST(Compiler, Program) {
+    EXPECT_EQ(compileClean(goodSource).program, "");
+}
+
+TEST(Compiler, SameSourceSameBytes) {
+    EXPECT_EQ(compilePackage(goodSource).package, compilePackage(goodSource).package);
+}
+
+TEST(Compiler, GraphsShareAnAssembly) {
+    const Compiled compiled = compileClean(R"(<package>
+<graph url="pkg://a"><input identifier="x" type="float" min="0" max="1"/>
+<node name="n" kind="blur" source="m" sigma="{x}"/><node name="m" kind="uniform"/><output identifier="o" node="n"/></graph>
+<graph url="pkg://b"><input identifier="x" type="float" min="0" max="1"/>
+<node name="n" kind="blur" source="m" sigma="{x}"/><node name="m" kind="uniform"/><output identifier="o" node="n"/></graph>
+</package>)");
+    EXPECT_NE(compiled.description.find("<graphs count=\"2\">"), std::string::npos);
+    EXPECT_EQ(compiled.program, R"(input 2359855062 role 0 0:0
+input 4227254047 role 0 0:0
+node uniform [ ] 4:0 3:0.5,0.5,0.5,1 4:0 resolution 8:8,8 seed 4:0
+node blur [ 0 ] {0} resolution 8:8,8 seed 4:0
+node uniform [ ] 4:0 3:0.5,0.5,0.5,1 4:0 resolution 8:8,8 seed 4:0
+node blur [ 2 ] {1} resolution 8:8,8 seed 4:0
+output 3462423614 node 1 format 32 mipmaps 1
+output 36591805 node 3 format 32 mipmaps 1
+)");
+}
+
+TEST(Compiler, AllErrorsInOneGo) {
+    const CompileResult result = compilePackage(R"(<package versoin="1">
+<graph url="pkg://broken wall" label="Broken">
+stray text
+<input identifier="$resolution" type="integer"/>
+<input identifier="$time" type="float" min="0" max="1"/>
+<input identifier="2nd" type="float" min="0" max="1"/>
+<input identifier="a" type="flaot"/>
+<input identifier="b" type="float" default="1,5" min="0" max="1" stepp="2"/>
+<input identifier="c" type="float" default="3" min="0" max="1" clamp="yes"/>
+<input identifier="d" type="float"/>
+<input identifier="e" type="integer" widget="combobox"/>
+<input identifier="f" type="integer" default="2">
+<item value="0" text="x"/>
+<item value="0" text="y"/>
+<item value="99" text="z"/></input>
+<input identifier="g" type="float" widget="togglebutton"/>
+<input identifier="h" type="image" default="1"/>
+<input identifier="amount" type="float" min="1" max="0"/>
+<input identifier="amount" type="float" min="0" max="1"/>
+<node name="n1" kind="fbn"/>
+<node name="n2" kind="blend" background="n1" opacity="2" mask="n9"/>
+<node name="n3" kind="blur" source="n4" sigmma="0.1"/>
+<node name="n4" kind="blur" source="n3" sigma="{amont}"/>
+<node name="n5" kind="blend" background="n1" foreground="n1" mode="multpily" opacity="{h}"/>
+<node name="n6" kind="imageInput"/>
+<node name="n6" kind="fbm" octaves="{amount}" gain="0.5x" repeats="{f} * 2" seed="{f"/>
+<output identifier="out" node="n7" usage="difuse" format="rgb8" mipmaps="0"/>
+<output node="n5"/>
+<preset><set input="amuont" value="1"/>
+<set input="f" value="7"/></preset>
+<thing/></graph>
+<graph url="pkg://empty"/>
+<graph url="pkg://empty"><node name="n" kind="uniform"/><output identifier="o" node="n"/></graph></package>)");
+    EXPECT_TRUE(result.package.empty());
+    EXPECT_EQ(summary(result), R"(1:10 package, attribute versoin
+2:8 graph "pkg://broken wall", attribute url
+3:1 graph "pkg://broken wall"
+4:1 input "$resolution"
+5:1 input "$time"
+6:8 input, attribute identifier
+7:23 input "a", attribute type
+8:36 input "b", attribute default
+8:66 input "b", attribute stepp
+9:36 input "c", attribute default
+9:64 input "c", attribute clamp
+10:1 input "d"
+11:1 input "e"
+12:38 input "f", attribute default
+14:7 item, attribute value
+15:7 item, attribute value
+16:1 input "g"
+17:36 input "h", attribute default
+18:1 input "amount"
+19:1 input "amount"
+20:17 node "n1", attribute kind
+21:1 node "n2"
+21:46 node "n2", attribute opacity
+21:58 node "n2", attribute mask
+22:1 node "n3"
+22:41 node "n3", attribute sigmma
+23:41 node "n4", attribute sigma
+24:62 node "n5", attribute mode
+24:78 node "n5", attribute opacity
+25:1 node "n6"
+26:1 node "n6"
+26:28 node "n6", attribute octaves
+26:47 node "n6", attribute gain
+26:59 node "n6", attribute repeats
+26:77 node "n6", attribute seed
+27:26 output "out", attribute node
+27:36 output "out", attribute usage
+27:51 output "out", attribute format
+27:65 output "out", attribute mipmaps
+28:1 output
+29:1 preset
+29:14 set "amuont", attribute input
+30:16 set "f", attribute value
+31:1 graph "pkg://broken wall"
+32:1 graph "pkg://empty"
+33:1 graph "pkg://empty"
+)");
+}
+
+TEST(Compiler, MessagesNameFileLineAndRemedy) {
+    const CompileResult result = compilePackage(
+        "<package><graph url=\"u\">\n<node name=\"n\" kind=\"blurr\"/>\n<output identifier=\"o\" node=\"n\"/>"
+        "</graph></package>");
+    ASSERT_EQ(result.diagnostics.size(), 1u);
+    EXPECT_EQ(toString(result.diagnostics[0], "wall.xml"),
+              "wall.xml:2:16: error: node \"n\", attribute kind: \"blurr\" is no kind of node; did you mean "
+              "\"blur\"?");
+}
+
+TEST(Compiler, WarningsLeaveAPackage) {
+    const CompileResult result = compilePackage(R"(<package><graph url="pkg://w">
+<input identifier="unused" type="float" min="0" max="1"/>
+<input identifier="tint" type="float3" default="#ffffff"/>
+<node name="idle" kind="fbm"/>
+<node name="plain" kind="uniform" value="{tint}"/>
+<output identifier="o" node="plain"/></graph></package>)");
+    EXPECT_FALSE(result.package.empty());
+    EXPECT_EQ(summary(result), "2:1 warning input \"unused\"\n"
+                               "4:1 warning node \"idle\"\n"
+                               "5:35 warning node \"plain\", attribute value\n");
+}
+
+TEST(Compiler, EachCycleIsReportedOnce) {
+    const CompileResult result = compilePackage(R"(<package><graph url="pkg://c">
+<node name="behind" kind="blur" source="a"/>
+<node name="a" kind="blur" source="b"/>
+<node name="b" kind="blur" source="c"/>
+<node name="c" kind="blur" source="a"/>
+<node name="self" kind="blend" background="self" foreground="a"/>
+<output identifier="o" node="behind"/></graph></package>)");
+    EXPECT_EQ(summary(result), "3:1 node \"a\"\n6:1 node \"self\"\n");
+    EXPECT_EQ(result.diagnostics[0].message, "depends on itself: \"a\" reads \"b\" reads \"c\" reads \"a\"");
+}
+
+std::string repeated(const char* text, int count) {
+    std::string result;
+    for (int i = 0; i < count; ++i) result += text;
+    return result;
+}
+
+TEST(Compiler, WhatIsNoSource) {
+    const struct {
+        const char* name;
+        std::string source;
+    } cases[] = {
+        {"nothing", ""},
+        {"other root", "<sbsdescription/>"},
+        {"two roots", goodSource + "<package/>"},
+        {"no graphs", "<package/>"},
+        {"zero byte", std::string("<package>\0</package>", 20)},
+        {"Latin-1", "<package><!-- \xE4 --></package>"},
+        {"cut character", "<package>\xC3"},
+        {"deep nesting", repeated("<package>", 1000000)},
+        {"deep nesting behind comments", "<package><!-- /> -->" + repeated("<a b='/>'>", 100000)},
+        {"many attributes", "<package " + repeated("a='1' ", 100000) + "/>"},
+        {"huge", std::string(std::size_t{17} << 20, ' ')},
+    };
+    for (const auto& [name, source] : cases) {
+        const CompileResult result = compilePackage(source);
+        EXPECT_TRUE(result.package.empty()) << name;
+        EXPECT_FALSE(result.diagnostics.empty()) << name;
+    }
+}
+
+TEST(Compiler, CutSourcesAreRefused) {
+    const std::size_t end = goodSource.find("</package>") + 10;
+    for (std::size_t size = 0; size < end; ++size) {
+        const CompileResult result = compilePackage(goodSource.substr(0, size));
+        EXPECT_TRUE(result.package.empty()) << size;
+        EXPECT_FALSE(result.diagnostics.empty()) << size;
+    }
+}
+
+// Ports and parameters are attributes of the node element.
+TEST(Compiler, NamesOfKindsDoNotCollide) {
+    for (const NodeKind& kind : nodeKinds()) {
+        std::set<std::string> names = {"name", "kind"};
+        for (const PortInfo& port : kind.ports)
+            EXPECT_TRUE(names.insert(port.name).second) << kind.name << " " << port.name;
+        for (const ParameterInfo& info : kind.parameters)
+            EXPECT_TRUE(names.insert(info.name).second) << kind.name << " " << info.name;
+    }
+}
+
+// What the documentation shows works.
+TEST(Compiler, DocumentedSource) {
+    std::ifstream file(PACKAGE_SOURCE_DOCUMENT);
+    const std::string text((std::istreambuf_iterator<char>(file)), {});
+    const auto begin = text.find("<package>");
+    const auto end = text.find("</package>");
+    ASSERT_NE(end, std::string::npos);
+    EXPECT_NE(compileClean(text.substr(begin, end - begin) + "</package>").program, "");
+}
+
+} // namespace
+} // namespace embedded

@@ -1,0 +1,103 @@
+#include "embedded/compiler/Literal.h"
+#include "embedded/compiler/Suggestion.h"
+#include "embedded/compiler/Uid.h"
+
+#include <gtest/gtest.h>
+
+namespace embedded {
+namespace {
+
+std::string read(ValueType type, const char* text) {
+    const auto value = parseValue(type, text);
+    return value ? formatValue(*value) : "refused";
+}
+
+TEST(Literal, Values) {
+    const struct {
+        ValueType type;
+        const char* text;
+        const char* value;
+    } cases[] = {
+        {ValueType::Float, "0.5", "0.5"},
+        {ValueType::Float, " -1e-3 ", "-0.001"},
+        {ValueType::Float, "1e-60", "0"},
+        {ValueType::Float, "1e39", "refused"},
+        {ValueType::Float, "nan", "refused"},
+        {ValueType::Float, "inf", "refused"},
+        {ValueType::Float, "0,5", "refused"},
+        {ValueType::Float, "0.5f", "refused"},
+        {ValueType::Float, "", "refused"},
+        {ValueType::Float, "#ffffff", "refused"},
+        {ValueType::Float2, "1, 2", "1,2"},
+        {ValueType::Float2, "3", "3,3"},
+        {ValueType::Float2, "1,2,3", "refused"},
+        {ValueType::Float2, "1,", "refused"},
+        {ValueType::Float3, "#ff0033", "1,0,0.2"},
+        {ValueType::Float3, "#ff003380", "refused"},
+        {ValueType::Float3, "#ff00g3", "refused"},
+        {ValueType::Float4, "#FF003300", "1,0,0.2,0"},
+        {ValueType::Float4, "#ff0033", "1,0,0.2,1"},
+        {ValueType::Float4, "0.1,0.2,0.3", "0.1,0.2,0.3,1"},
+        {ValueType::Float4, "0.1,0.2", "refused"},
+        {ValueType::Integer, "-2147483648", "-2147483648"},
+        {ValueType::Integer, "2147483648", "refused"},
+        {ValueType::Integer, "1.0", "refused"},
+        {ValueType::Integer4, "1,2,3", "1,2,3,1"},
+        {ValueType::Image, "1", "refused"},
+    };
+    for (const auto& [type, text, value] : cases) EXPECT_EQ(read(type, text), value) << text;
+}
+
+TEST(Literal, InputExpressions) {
+    const struct {
+        const char* text;
+        const char* parsed;
+    } cases[] = {
+        {"{a}", "a 1 0"},
+        {" { a } ", "a 1 0"},
+        {"{a}*2", "a 2 0"},
+        {"{a} * -2.5 + 0.5", "a -2.5 0.5"},
+        {"{a} * 25e-2-1e+1", "a 0.25 -10"},
+        {"{a} - 0.5", "a 1 -0.5"},
+        {"{a", "refused"},
+        {"a} * 2", "refused"},
+        {"{a} * ", "refused"},
+        {"{a} 2", "refused"},
+        {"{a} * 2 + ", "refused"},
+        {"{a} * {b}", "refused"},
+        {"{a} / 2", "refused"},
+    };
+    for (const auto& [text, parsed] : cases) {
+        const auto expression = parseInputExpression(text);
+        EXPECT_EQ(expression ? expression->input + " " + formatNumber(expression->scale) + " " +
+                                   formatNumber(expression->offset)
+                             : "refused",
+                  parsed)
+            << text;
+    }
+}
+
+TEST(Literal, ColoursBecomeLinear) {
+    const Value linear = linearFromSrgb(*parseValue(ValueType::Float4, "#0a80ff80"));
+    EXPECT_NEAR(linear.floats[0], 0.003035f, 1e-6f);
+    EXPECT_NEAR(linear.floats[1], 0.215861f, 1e-6f);
+    EXPECT_EQ(linear.floats[2], 1.0f);
+    EXPECT_EQ(linear.floats[3], 128.0f / 255.0f);
+}
+
+TEST(Suggestion, NearestNames) {
+    EXPECT_EQ(suggestion("multpily", {"multiply", "screen"}), "; did you mean \"multiply\"?");
+    EXPECT_EQ(suggestion("SCALE", {"scale"}), "; did you mean \"scale\"?");
+    EXPECT_EQ(suggestion("zebra", {"red", "blue"}), "; there are red, blue");
+    EXPECT_EQ(suggestion("zebra", {}), "; there are none");
+}
+
+// Published hashes of FNV-1a; saved documents hold uids, so they may never change.
+TEST(Uid, IsTheKnownHash) {
+    EXPECT_EQ(deriveUid({""}), 0x811c9dc5u);
+    EXPECT_EQ(deriveUid({"foobar"}), 0xbf9cf968u);
+    EXPECT_EQ(deriveUid({"a", "b"}), deriveUid({"a\nb"}));
+}
+
+} // namespace
+} // namespace embedded

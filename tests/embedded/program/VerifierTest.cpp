@@ -1,0 +1,110 @@
+#include "embedded/program/Verifier.h"
+#include "tests/embedded/program/SamplePrograms.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <ostream>
+
+namespace embedded {
+namespace {
+
+struct BrokenRule {
+    const char* place;
+    const char* reason; // a part of it
+    void (*breakIt)(Program&);
+};
+
+std::ostream& operator<<(std::ostream& out, const BrokenRule& rule) {
+    return out << rule.place << ": " << rule.reason;
+}
+
+constexpr float notANumber = NAN;
+
+// Node 0 is a uniform, 1 an imageInput, 2 a blend of both; see sampleProgram.
+const BrokenRule brokenRules[] = {
+    {"program", "too many inputs", [](Program& p) { p.inputs.resize(maxProgramInputs + 1); }},
+    {"program", "too many nodes", [](Program& p) { p.nodes.resize(maxProgramNodes + 1); }},
+    {"program", "too many outputs", [](Program& p) { p.outputs.resize(maxProgramOutputs + 1); }},
+    {"input 2", "no type", [](Program& p) { p.inputs[2].type = static_cast<ValueType>(7); }},
+    {"input 2", "another type", [](Program& p) { p.inputs[2].defaultValue = integers({1}); }},
+    {"input 2", "not finite", [](Program& p) { p.inputs[2].defaultValue.floats[0] = INFINITY; }},
+    {"input 2", "no role", [](Program& p) { p.inputs[2].role = static_cast<SystemInput>(3); }},
+    {"input 1", "two integers", [](Program& p) { p.inputs[1].role = SystemInput::Resolution; }},
+    {"input 0", "an integer", [](Program& p) { p.inputs[0].role = SystemInput::Seed; }},
+    {"node 0", "no kind", [](Program& p) { p.nodes[0].kind = 9999; }},
+    {"node 2 (blend)", "2 sources instead of 3", [](Program& p) { p.nodes[2].sources.pop_back(); }},
+    {"node 2 (blend)", "has to be connected", [](Program& p) { p.nodes[2].sources[1] = -1; }},
+    {"node 2 (blend)", "no earlier node", [](Program& p) { p.nodes[2].sources[2] = 2; }},
+    {"node 2 (blend)", "no earlier node", [](Program& p) { p.nodes[2].sources[2] = -2; }},
+    {"node 1 (imageInput)", "no earlier node", [](Program& p) { p.nodes[1].sources[0] = 2; }},
+    {"node 2 (blend)", "1 parameters instead of 2", [](Program& p) { p.nodes[2].parameters.pop_back(); }},
+    {"node 2 (blend), parameter mode", "constant has another type",
+     [](Program& p) { parameter(p.nodes[2], "mode").constant = floats({1}); }},
+    {"node 1 (imageInput), parameter fallback", "constant is not finite",
+     [](Program& p) { parameter(p.nodes[1], "fallback").constant.floats[3] = notANumber; }},
+    {"node 2 (blend), parameter opacity", "no input",
+     [](Program& p) { parameter(p.nodes[2], "opacity").input = 5; }},
+    {"node 2 (blend), parameter opacity", "no input",
+     [](Program& p) { parameter(p.nodes[2], "opacity").input = -2; }},
+    {"node 2 (blend), parameter opacity", "cannot drive",
+     [](Program& p) { parameter(p.nodes[2], "opacity").input = 4; }},
+    {"node 2 (blend), parameter opacity", "cannot drive",
+     [](Program& p) { parameter(p.nodes[2], "opacity").input = 3; }},
+    {"node 1 (imageInput), parameter image", "cannot drive",
+     [](Program& p) { parameter(p.nodes[1], "image").input = 2; }},
+    {"node 2 (blend), parameter mode", "cannot drive",
+     [](Program& p) { parameter(p.nodes[2], "mode").input = 2; }},
+    {"node 2 (blend), parameter opacity", "scale or offset is not finite",
+     [](Program& p) { parameter(p.nodes[2], "opacity").scale = notANumber; }},
+    {"node 2 (blend), parameter mode", "for floats only",
+     [](Program& p) { parameter(p.nodes[2], "mode").offset = 1; }},
+    {"node 0 (uniform), resolution", "another type", [](Program& p) { p.nodes[0].resolution = {}; }},
+    {"node 0 (uniform), resolution", "cannot drive", [](Program& p) { p.nodes[0].resolution.input = 2; }},
+    {"node 0 (uniform), seed", "cannot drive", [](Program& p) { p.nodes[0].seed.input = 0; }},
+    {"output 1", "no node", [](Program& p) { p.outputs[1].node = 3; }},
+    {"output 1", "no node", [](Program& p) { p.outputs[1].node = -1; }},
+    {"output 0", "no format", [](Program& p) { p.outputs[0].format = 1; }},
+    {"output 0", "mipmap", [](Program& p) { p.outputs[0].mipmaps = maxMipmaps + 1; }},
+};
+
+class Rules : public testing::TestWithParam<BrokenRule> {};
+
+TEST_P(Rules, AreReportedAlone) {
+    Program program = sampleProgram();
+    GetParam().breakIt(program);
+    const auto problems = verify(program);
+    ASSERT_EQ(problems.size(), 1u);
+    EXPECT_EQ(problems[0].place, GetParam().place);
+    EXPECT_NE(problems[0].reason.find(GetParam().reason), std::string::npos) << problems[0].reason;
+}
+
+INSTANTIATE_TEST_SUITE_P(All, Rules, testing::ValuesIn(brokenRules));
+
+TEST(Verifier, SoundProgramHasNoProblems) {
+    EXPECT_TRUE(verify(sampleProgram()).empty());
+    EXPECT_TRUE(verify({}).empty());
+}
+
+TEST(Verifier, ListOfProblemsEnds) {
+    Program program;
+    program.nodes.resize(maxProgramNodes);
+    EXPECT_EQ(verify(program).size(), 100u);
+}
+
+// A letter for each parameter type in the order of the columns: what the row's input may drive.
+TEST(Verifier, InputsDriveParameters) {
+    const ValueType types[] = {ValueType::Float,    ValueType::Float2,   ValueType::Float3,
+                               ValueType::Float4,   ValueType::Integer,  ValueType::Integer2,
+                               ValueType::Integer3, ValueType::Integer4, ValueType::Image};
+    const char* const rows[] = {"yyyy.....", ".y.......", "..yy.....", "...y.....", "yyyyyyyy.",
+                                ".y...y...", "..yy..yy.", "...y...y.", "........y"};
+    for (std::size_t input = 0; input < 9; ++input) {
+        std::string row;
+        for (const ValueType parameterType : types) row += canDrive(types[input], parameterType) ? 'y' : '.';
+        EXPECT_EQ(row, rows[input]) << "row " << input;
+    }
+}
+
+} // namespace
+} // namespace embedded

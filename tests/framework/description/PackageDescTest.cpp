@@ -1,0 +1,249 @@
+// Whole packages, through the recording linker, and their registration.
+#include "framework/description/DescriptionParser.h"
+#include "framework/render/GraphInstance.h"
+#include "framework/render/Renderer.h"
+#include "framework/render/RendererAccess.h"
+#include "tests/framework/description/DescriptionText.h"
+#include "tests/recording/Recording.h"
+
+#include <gtest/gtest.h>
+
+using namespace SubstanceAir;
+using descriptiontext::print;
+using recording::Delivery;
+
+namespace {
+
+const char* const bricks = R"(<?xml version="1.0"?>
+<sbsdescription asmuid="1001"><global/><graphs count="3">
+ <graph pkgurl="pkg://bricks" label="Bricks">
+  <outputs count="-4">
+   <output uid="30" identifier="normal" format="12" mipmaps="3"><outputgui label="Normal">
+     <channels><channel names="normal"/></channels></outputgui></output>
+   <output uid="10" identifier="first"/>
+   <output uid="20" identifier="mask" format="28"/>
+   <output uid="10" identifier="second"/>
+  </outputs>
+  <inputs count="999999999">
+   <input uid="7" identifier="tint" type="2" default="1,0.5,0" max="1,1,1" alteroutputs="30,10,99">
+     <inputgui label="Tint" widget="color"><guicolor/></inputgui></input>
+   <input uid="6" identifier="dropped" type="6" alteroutputs="20"/>
+   <input uid="5" identifier="$resolution" type="8" default="9,9" max="14,14" alteroutputs="10,20,30"/>
+   <input uid="7" identifier="again" type="5" alteroutputs="30"/>
+  </inputs>
+  <sbspresets>
+   <sbspreset pkgurl="pkg://other" label="Old" description="Weathered">
+    <presetinput uid="5" identifier="x" type="0" value="8,8"/>
+    <presetinput uid="99" identifier="x" type="0" value="1"/>
+   </sbspreset>
+  </sbspresets>
+ </graph>
+ <graph pkgurl="pkg://empty"><outputs/><inputs><input uid="1" type="5"/></inputs></graph>
+ <graph pkgurl="pkg://plain"><sbspresets/><outputs><output uid="40" format="9" mipmaps="2"/></outputs></graph>
+</graphs></sbsdescription>)";
+
+const char* const bricksText = R"(graph pkg://bricks "Bricks"
+output 10 first "" format 0 mipmaps 0 diffuse altered by 5,7
+output 10 second "" format 0 mipmaps 0 diffuse altered by 
+output 20 mask "" format 28 mipmaps 0 diffuse altered by 5
+output 30 normal "Normal" format 12 mipmaps 3 normal altered by 5,7,7
+input 5 $resolution "$resolution" type 8 9,9 in 0,0 to 14,14 system alters 10,20,30
+input 7 tint "Tint" type 2 1,0.5,0 in 0,0,0 to 1,1,1 alters 10,30
+  <inputgui label="Tint" widget="color"><guicolor /></inputgui>
+input 7 again "again" type 5 image alters 30
+preset pkg://bricks "Old" "Weathered"
+  5 $resolution type 8 = 8,8
+  99  type 65535 = 1
+graph pkg://plain ""
+output 40  "" format 9 mipmaps 2 diffuse altered by 
+)";
+
+// A package of graphs that each have one output and one preset.
+std::string graphsXml(const std::string& asmUid, const std::string& count, int graphs) {
+    std::string xml = "<sbsdescription asmuid='" + asmUid + "'><graphs" + count + ">";
+    for (int i = 1; i <= graphs; ++i)
+        xml += "<graph pkgurl='" + std::to_string(i) +
+               "'><outputs><output/></outputs><inputs><input type='5'/>" +
+               "</inputs><sbspresets><sbspreset/></sbspresets></graph>";
+    return xml + "</graphs></sbsdescription>";
+}
+
+bool isTaken(unsigned int uid) {
+    const RendererAccess renderer;
+    return renderer->isPackageUidTaken(uid);
+}
+
+class Packages : public testing::Test {
+protected:
+    void SetUp() override {
+        RendererAccess(); // its calls are not looked at here
+        recording::reset();
+    }
+    void TearDown() override { EXPECT_EQ(recording::misuses(), ""); }
+
+    static std::unique_ptr<PackageDesc> load(const std::string& xml,
+                                             const OutputFormatOptions* options = nullptr) {
+        const std::string bytes = recording::packageBytes(xml, "test");
+        return std::make_unique<PackageDesc>(bytes.data(), bytes.size(), options);
+    }
+};
+
+} // namespace
+
+TEST_F(Packages, ReadADescription) {
+    const OutputFormatOptions options{AllFormatClasses, 0};
+    const auto package = load(bricks, &options);
+    EXPECT_EQ(package->asmUid(), 1001u);
+    EXPECT_EQ(print(package->graphs()), bricksText);
+    EXPECT_EQ(package->graphs()[0].parent, package.get());
+
+    std::vector<boost::shared_ptr<GraphInstance>> instances;
+    instantiateGraphs(instances, *package);
+    ASSERT_EQ(instances.size(), 2u);
+    EXPECT_EQ(&instances[1]->desc, &package->graphs()[1]);
+    EXPECT_EQ(instances[0]->inputs.size(), 3u);
+    EXPECT_EQ(instances[0]->inputs[0]->rawSize(), 2 * sizeof(int));
+}
+
+TEST_F(Packages, FormatsAndMipmapsGoByTheOptions) {
+    const auto formats = [](unsigned int mask, unsigned int mipmapMode) {
+        const OutputFormatOptions options{mask, mipmapMode};
+        std::string text;
+        const auto package = load(bricks, &options);
+        for (const GraphDesc& graph : package->graphs())
+            for (const OutputDesc& output : graph.outputs)
+                text += std::to_string(output.format) + "x" + std::to_string(output.mipmaps) + " ";
+        return text;
+    };
+    EXPECT_EQ(formats(127, 2), "0x1 0x1 28x1 12x1 9x1 ");
+    EXPECT_EQ(formats(1, 1), "0x0 0x0 0x0 0x0 0x0 ");
+    EXPECT_EQ(formats(0, 0), "0x0 0x0 28x0 12x3 9x2 ");
+}
+
+TEST_F(Packages, ABrokenDescriptionGivesNoGraphsAndIsNotRegistered) {
+    for (const char* const xml : {
+             "",
+             "text",
+             "<sbsdescription><graphs/></sbsdescription>",
+             "<other asmuid='1002'><graphs/></other>",
+             "<sbsdescription asmuid='1002'><!--graphs--></sbsdescription>",
+             "<sbsdescription asmuid='1002'><graphs><graph><outputs><output/></outputs></graph></graphs>",
+         }) {
+        EXPECT_EQ(print(load(xml)->graphs()), "") << xml;
+        EXPECT_FALSE(isTaken(1002)) << xml;
+    }
+    EXPECT_EQ(load("<sbsdescription asmuid='12ab'><graphs/></sbsdescription>")->asmUid(), 0u);
+}
+
+TEST_F(Packages, ADescriptionCutAnywhereIsNone) {
+    const auto package = load(bricks);
+    const std::string whole = bricks;
+    for (size_t size = 0; size <= whole.size(); ++size) {
+        unsigned int uid = 0;
+        std::vector<GraphDesc> graphs;
+        const bool isRead = parsePackageDescription(whole.substr(0, size).c_str(), *package, uid, graphs);
+        EXPECT_EQ(isRead, size == whole.size()) << size;
+    }
+}
+
+TEST_F(Packages, GraphsBeyondTheCountLoseWhatCopiesLose) {
+    const auto complete = [](const std::string& count, int graphs) {
+        std::string text;
+        const auto package = load(graphsXml("1003", count, graphs));
+        for (const GraphDesc& graph : package->graphs()) {
+            EXPECT_EQ(graph.outputs.size(), 1u);
+            EXPECT_EQ(graph.inputs.size(), 1u);
+            EXPECT_EQ(graph.presets.empty(), graph.parent == nullptr);
+            text += graph.packageUrl + (graph.parent ? "" : "-") + " ";
+        }
+        return text;
+    };
+    EXPECT_EQ(complete(" count='3'", 3), "1 2 3 ");
+    EXPECT_EQ(complete(" count='2147483647'", 3), "1 2 3 ");
+    EXPECT_EQ(complete(" count='1'", 2), "1- 2 ");
+    EXPECT_EQ(complete("", 3), "1- 2- 3 ");
+    EXPECT_EQ(complete(" count='-1'", 2), "1- 2 ");
+}
+
+TEST_F(Packages, CopiesOfAGraphOwnTheirInputsAndTakeNeitherPresetsNorParent) {
+    const auto package = load(bricks);
+    const GraphDesc& graph = package->graphs()[0];
+    GraphDesc copy = graph;
+    EXPECT_NE(copy.inputs[0], graph.inputs[0]);
+    EXPECT_EQ(copy.parent, nullptr);
+    std::string expected = print(graph);
+    expected.erase(expected.find("preset "));
+    expected.insert(expected.find('\n'), " without a package");
+    EXPECT_EQ(print(copy), expected);
+
+    copy.parent = package.get();
+    copy.presets.resize(2);
+    copy = package->graphs()[1];
+    EXPECT_EQ(copy.packageUrl, "pkg://plain");
+    EXPECT_EQ(copy.parent, package.get());
+    EXPECT_EQ(copy.presets.size(), 2u);
+    const std::string before = print(copy);
+    const GraphDesc& itself = copy;
+    copy = itself;
+    EXPECT_EQ(print(copy), before);
+}
+
+TEST_F(Packages, TheKeyStaysWithPackagesThatHaveNoGraphs) {
+    auto first = load(graphsXml("1004", "", 1));
+    EXPECT_TRUE(isTaken(1004));
+    first.reset();
+    EXPECT_FALSE(isTaken(1004));
+
+    load(graphsXml("1005", "", 0));
+    EXPECT_TRUE(isTaken(1005));
+}
+
+TEST_F(Packages, CallTheLinker) {
+    const auto package = load(bricks);
+    EXPECT_EQ(recording::takeTrace(),
+              "host: substanceLinkerContextInit(linker1, 65537, 19)\n"
+              "host: substanceLinkerContextSetCallback(linker1, 2, callback)\n"
+              "host: substanceLinkerContextSetCallback(linker1, 3, callback)\n"
+              "host: substanceLinkerHandleInit(link1, linker1)\n"
+              "host: substanceLinkerHandlePushAssemblyMemory(link1, \"package:test\", " +
+                  std::to_string(recording::packageBytes(bricks, "test").size()) +
+                  ")\n"
+                  "host: substanceLinkerHandleRelease(link1)\n"
+                  "host: substanceLinkerContextRelease(linker1)\n");
+
+    SubstanceLinkerContext* context = nullptr;
+    SubstanceLinkerHandle* handle = nullptr;
+    substanceLinkerContextInit(&context, SubstanceLinkerApiVersion, SubstanceLinkerEngineId);
+    substanceLinkerHandleInit(&handle, context);
+    recording::takeTrace();
+    EXPECT_TRUE(package->pushToLinker(handle));
+    EXPECT_EQ(recording::takeTrace(),
+              "host: substanceLinkerHandlePushAssemblyMemory(link2, \"assembly:test\", 13)\n"
+              "host: substanceLinkerHandleSetOutputFormat(link2, test.second, 0, 0)\n"
+              "host: substanceLinkerHandleSetOutputFormat(link2, test.second, 0, 0)\n"
+              "host: substanceLinkerHandleSetOutputFormat(link2, test.mask, 28, 0)\n"
+              "host: substanceLinkerHandleSetOutputFormat(link2, test.normal, 12, 3)\n"
+              "host: substanceLinkerHandleSetOutputFormat(link2, test., 9, 2)\n");
+    recording::fail("substanceLinkerHandlePushAssemblyMemory");
+    EXPECT_FALSE(package->pushToLinker(handle));
+    EXPECT_EQ(recording::takeTrace(),
+              "host: substanceLinkerHandlePushAssemblyMemory(link2, \"assembly:test\", 13) = 7\n");
+    substanceLinkerContextRelease(context);
+}
+
+TEST_F(Packages, TakeWhatTheLinkerDelivers) {
+    const auto loaded = [](const std::vector<Delivery>& deliveries, const std::string& xml) {
+        recording::setDeliveries(deliveries);
+        return std::to_string(load(xml)->graphs().size());
+    };
+    EXPECT_EQ(loaded({Delivery::Bytes, Delivery::Text, Delivery::Text}, bricks), "2");
+    EXPECT_EQ(loaded({}, "<other/>"), "2") << "nothing new: the package before";
+    EXPECT_EQ(loaded({Delivery::NullText, Delivery::NullBytes}, bricks), "0");
+    recording::fail("substanceLinkerContextInit");
+    EXPECT_EQ(loaded({Delivery::Text}, bricks), "0") << "nothing new again";
+    recording::setDeliveries({Delivery::Text, Delivery::Bytes});
+    EXPECT_EQ(load(bricks)->graphs().size(), 2u);
+    recording::fail("substanceLinkerHandlePushAssemblyMemory");
+    EXPECT_EQ(load(bricks)->graphs().size(), 0u);
+    EXPECT_EQ(PackageDesc(nullptr, 0, nullptr).graphs().size(), 0u);
+}

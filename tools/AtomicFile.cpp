@@ -1,0 +1,111 @@
+#include "tools/AtomicFile.h"
+
+#include "tools/Failure.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <filesystem>
+#include <memory>
+#include <random>
+#include <system_error>
+
+#if defined(_WIN32)
+#include <io.h>
+#else
+#include <unistd.h>
+#endif
+
+namespace tool {
+namespace {
+
+namespace fs = std::filesystem;
+
+[[noreturn]] void fail(const std::string& path, const std::string& reason) {
+    throw Failure(path + ": cannot be written: " + reason);
+}
+
+std::string reasonOf(int error) { return std::generic_category().message(error); }
+
+bool flushToDisk(std::FILE* file) {
+#if defined(_WIN32)
+    return std::fflush(file) == 0 && _commit(_fileno(file)) == 0;
+#else
+    return std::fflush(file) == 0 && fsync(fileno(file)) == 0;
+#endif
+}
+
+// The file that a name stands for, once its links are followed.
+fs::path destination(const std::string& path) {
+    std::error_code error;
+    const fs::path target = fs::is_symlink(path, error) ? fs::weakly_canonical(path, error) : fs::path(path);
+    return error ? fs::path(path) : target;
+}
+
+fs::path folderOf(const fs::path& target) {
+    return target.has_parent_path() ? target.parent_path() : fs::path(".");
+}
+
+fs::path temporaryBeside(const fs::path& target) {
+    std::random_device random;
+    char name[64];
+    std::snprintf(name, sizeof name, ".kvsubstance-%08x%08x.tmp", static_cast<unsigned>(random()),
+                  static_cast<unsigned>(random()));
+    return folderOf(target) / name;
+}
+
+// Removes a file at the end of its life, unless it was kept.
+class Temporary {
+public:
+    explicit Temporary(fs::path filePath) : path(std::move(filePath)) {}
+    Temporary(const Temporary&) = delete;
+    Temporary& operator=(const Temporary&) = delete;
+    ~Temporary() {
+        std::error_code ignored;
+        if (!path.empty()) fs::remove(path, ignored);
+    }
+    void keep() { path.clear(); }
+
+private:
+    fs::path path;
+};
+
+int writeAndFlush(const fs::path& path, std::string_view bytes) {
+    errno = 0;
+    std::FILE* const file = std::fopen(path.string().c_str(), "wb");
+    if (!file) return errno;
+    int error = 0;
+    if (std::fwrite(bytes.data(), 1, bytes.size(), file) != bytes.size() || !flushToDisk(file))
+        error = errno ? errno : EIO;
+    if (std::fclose(file) != 0 && !error) error = errno ? errno : EIO;
+    return error;
+}
+
+} // namespace
+
+void checkDestination(const std::string& path) {
+    const fs::path target = destination(path);
+    std::error_code error;
+    const fs::file_status status = fs::status(target, error);
+    if (fs::is_directory(status)) fail(path, "it is a folder; name a file in it");
+    if (fs::exists(status) && !fs::is_regular_file(status)) fail(path, "it is no ordinary file");
+    if (!fs::is_directory(folderOf(target), error))
+        fail(path, "there is no folder " + folderOf(target).string() + "; create it first");
+}
+
+void writeFileAtomically(const std::string& path, std::string_view bytes) {
+    checkDestination(path);
+    const fs::path target = destination(path);
+    const fs::path temporaryPath = temporaryBeside(target);
+    Temporary temporary(temporaryPath);
+    if (const int error = writeAndFlush(temporaryPath, bytes)) fail(path, reasonOf(error));
+
+    std::error_code ignored;
+    const fs::file_status old = fs::status(target, ignored);
+    if (fs::exists(old)) fs::permissions(temporaryPath, old.permissions(), ignored);
+    std::error_code error;
+    fs::rename(temporaryPath, target, error);
+    if (error) fail(path, error.message());
+    temporary.keep();
+}
+
+} // namespace tool
