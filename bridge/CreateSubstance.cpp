@@ -7,6 +7,8 @@
 
 #include <limits>
 #include <memory>
+#include <utility>
+#include <vector>
 
 namespace kvSubstance {
 
@@ -16,6 +18,16 @@ using SubstanceAir::PackageStackDesc;
 namespace {
 
 constexpr size_t MaxPackageSize = std::numeric_limits<int>::max(); // sizes pass through the linker as int
+
+// What materials borrow and nobody deletes. It lives as long as the process, and within reach of leak
+// checkers.
+using Immortals = std::vector<std::unique_ptr<PackageDesc>>;
+
+Immortals& immortals(size_t room) {
+    static Immortals* const kept = new Immortals;
+    kept->reserve(kept->size() + room);
+    return *kept;
+}
 
 void fillMaterial(Substance& material) {
     const auto graphs = material.getGraphInstances();
@@ -33,7 +45,6 @@ std::unique_ptr<PackageDesc> readPackage(const kv::vector<char>& content) {
 
 } // namespace
 
-// The material only borrows the stack, which therefore outlives everything once the material is complete.
 kv::Reference<Substance> createSubstance(PackageDesc* first, PackageDesc* second) {
     if (!first || !second || first->graphs().empty() || second->graphs().empty()) return {};
     std::unique_ptr<PackageStackDesc> stack; // dies after the material, whose graphs refer to it
@@ -42,7 +53,8 @@ kv::Reference<Substance> createSubstance(PackageDesc* first, PackageDesc* second
                                                SubstanceAir::ConnectionList());
     SubstanceAir::instantiateGraphs(material->getGraphInstances(), *stack);
     fillMaterial(*material);
-    material->setPackageDesc(stack.release(), first, second);
+    material->setPackageDesc(stack.get(), first, second);
+    immortals(1).push_back(std::move(stack));
     return material;
 }
 
@@ -50,10 +62,11 @@ kv::Reference<Substance> createSubstance(const kv::vector<char>& first, const kv
     if (first.size() > MaxPackageSize || second.size() > MaxPackageSize) return {};
     auto firstPackage = readPackage(first);
     auto secondPackage = readPackage(second);
+    Immortals& kept = immortals(3); // room for the stack, too, so that nothing can fail once it is there
     kv::Reference<Substance> material = createSubstance(firstPackage.get(), secondPackage.get());
     if (material) {
-        firstPackage.release();
-        secondPackage.release();
+        kept.push_back(std::move(firstPackage));
+        kept.push_back(std::move(secondPackage));
     }
     return material;
 }

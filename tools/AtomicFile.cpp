@@ -24,7 +24,9 @@ namespace fs = std::filesystem;
     throw Failure(path + ": cannot be written: " + reason);
 }
 
-std::string reasonOf(int error) { return std::generic_category().message(error); }
+std::string reasonOf(int error) {
+    return std::generic_category().message(error);
+}
 
 bool flushToDisk(std::FILE* file) {
 #if defined(_WIN32)
@@ -56,7 +58,8 @@ fs::path temporaryBeside(const fs::path& target) {
 // Removes a file at the end of its life, unless it was kept.
 class Temporary {
 public:
-    explicit Temporary(fs::path filePath) : path(std::move(filePath)) {}
+    explicit Temporary(fs::path filePath)
+        : path(std::move(filePath)) {}
     Temporary(const Temporary&) = delete;
     Temporary& operator=(const Temporary&) = delete;
     ~Temporary() {

@@ -9,8 +9,8 @@ namespace tool {
 // Fails when a file could not be written there: to be called before long work for its sake.
 void checkDestination(const std::string& path);
 
-// Writes to a temporary name in the same folder, flushes to the disk, and renames. When that fails, nothing is
-// left of the new file and an old one is as it was. Links are followed.
+// Writes to a temporary name in the same folder, flushes to the disk, and renames. When that fails, nothing
+// is left of the new file and an old one is as it was. Links are followed.
 void writeFileAtomically(const std::string& path, std::string_view bytes);
 
 } // namespace tool

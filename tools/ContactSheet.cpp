@@ -30,8 +30,9 @@ float linearFromSrgb(unsigned char byte) {
 }
 
 unsigned char srgbFromLinear(float linear) {
-    const double encoded =
-        linear <= 0.0031308f ? linear * 12.92 : 1.055 * std::pow(static_cast<double>(linear), 1 / 2.4) - 0.055;
+    const double encoded = linear <= 0.0031308f
+                               ? linear * 12.92
+                               : 1.055 * std::pow(static_cast<double>(linear), 1 / 2.4) - 0.055;
     return static_cast<unsigned char>(std::clamp(std::lround(encoded * 255), 0L, 255L));
 }
 
@@ -47,14 +48,16 @@ void average(const Picture& picture, int left, int top, int right, int bottom, u
         }
     for (size_t c = 0; c < 3; ++c)
         out[c] = alpha > 0 ? srgbFromLinear(static_cast<float>(colour[c] / alpha)) : 0;
-    out[3] = static_cast<unsigned char>(std::lround(alpha / (static_cast<double>(right - left) * (bottom - top))));
+    out[3] =
+        static_cast<unsigned char>(std::lround(alpha / (static_cast<double>(right - left) * (bottom - top))));
 }
 
 // Lays a pixel over the sheet's background.
 void compose(const unsigned char* pixel, unsigned char* out) {
     const float alpha = static_cast<float>(pixel[3]) / 255;
     for (int c = 0; c < 3; ++c)
-        out[c] = srgbFromLinear(linearFromSrgb(pixel[c]) * alpha + linearFromSrgb(backgroundGray) * (1 - alpha));
+        out[c] =
+            srgbFromLinear(linearFromSrgb(pixel[c]) * alpha + linearFromSrgb(backgroundGray) * (1 - alpha));
 }
 
 // The number of columns, between a square and 16 by 10, that leaves the fewest cells empty.
@@ -85,9 +88,9 @@ Picture makeThumbnail(const Picture& picture, int side) {
     };
     for (int y = 0; y < thumbnail.height; ++y)
         for (int x = 0; x < thumbnail.width; ++x)
-            average(picture, edge(x, picture.width, thumbnail.width), edge(y, picture.height, thumbnail.height),
-                    edge(x + 1, picture.width, thumbnail.width), edge(y + 1, picture.height, thumbnail.height),
-                    thumbnail.pixel(x, y));
+            average(picture, edge(x, picture.width, thumbnail.width),
+                    edge(y, picture.height, thumbnail.height), edge(x + 1, picture.width, thumbnail.width),
+                    edge(y + 1, picture.height, thumbnail.height), thumbnail.pixel(x, y));
     return thumbnail;
 }
 
@@ -106,8 +109,9 @@ Picture makeContactSheet(const std::vector<SheetEntry>& entries, int side, int c
     const long long width = margin + static_cast<long long>(columns) * (side + margin);
     const long long height = margin + static_cast<long long>(rows) * (cellHeight + margin);
     if (width > maxPictureSide || height > maxPictureSide)
-        throw Failure("the contact sheet would be " + std::to_string(width) + " by " + std::to_string(height) +
-                      " pixels; at most " + std::to_string(maxPictureSide) + " a side are possible");
+        throw Failure("the contact sheet would be " + std::to_string(width) + " by " +
+                      std::to_string(height) + " pixels; at most " + std::to_string(maxPictureSide) +
+                      " a side are possible");
     Picture sheet(static_cast<int>(width), static_cast<int>(height));
     for (size_t i = 0; i < sheet.rgba.size(); ++i) sheet.rgba[i] = i % 4 == 3 ? 255 : backgroundGray;
 

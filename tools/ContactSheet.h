@@ -10,7 +10,8 @@ namespace tool {
 
 constexpr int defaultThumbnailSide = 256; // pixels
 
-// Shrinks a picture to fit a square of that side, by averaging in linear light. Smaller ones stay as they are.
+// Shrinks a picture to fit a square of that side, by averaging in linear light. Smaller ones stay as they
+// are.
 Picture makeThumbnail(const Picture& picture, int side);
 
 struct SheetEntry {

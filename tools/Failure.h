@@ -1,5 +1,5 @@
-// What ends a command early. The text is one whole line that says which file or option, what is wrong with it,
-// and what to do.
+// What ends a command early. The text is one whole line that says which file or option, what is wrong with
+// it, and what to do.
 #pragma once
 
 #include <stdexcept>

@@ -26,6 +26,8 @@ kv::vector<char> readFileContent(const std::string& path) {
     return content;
 }
 
-std::string_view asText(const kv::vector<char>& content) { return {content.data(), content.size()}; }
+std::string_view asText(const kv::vector<char>& content) {
+    return {content.data(), content.size()};
+}
 
 } // namespace tool

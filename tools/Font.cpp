@@ -1,7 +1,7 @@
 #include "tools/Font.h"
 
-#include <array>
 #include <algorithm>
+#include <array>
 
 namespace tool {
 namespace {

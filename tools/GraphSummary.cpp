@@ -8,15 +8,20 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cmath>
 #include <cstring>
 #include <ostream>
 
 namespace tool {
 namespace {
 
+// Short, for people: whole numbers in full, others with four digits.
 std::string textOf(double number) {
     char text[32];
-    return {text, std::to_chars(text, text + sizeof text, number).ptr};
+    const bool isWhole = number == std::floor(number) && std::fabs(number) < 1e10;
+    return {
+        text,
+        std::to_chars(text, text + sizeof text, number, std::chars_format::general, isWhole ? 10 : 4).ptr};
 }
 
 // The double that prints as the float does: 0.1 rather than 0.10000000149.
@@ -46,15 +51,24 @@ std::vector<double> defaultOf(const SubstanceAir::InputDescBase& input) {
 std::vector<double> readDefault(const SubstanceAir::InputDescBase& input) {
     using namespace SubstanceAir;
     switch (input.type) {
-    case Float: return defaultOf<float>(input);
-    case Float2: return defaultOf<Math::Vector2<float>>(input);
-    case Float3: return defaultOf<Math::Vector3<float>>(input);
-    case Float4: return defaultOf<Math::Vector4<float>>(input);
-    case Integer: return defaultOf<int>(input);
-    case Integer2: return defaultOf<Math::Vector2<int>>(input);
-    case Integer3: return defaultOf<Math::Vector3<int>>(input);
-    case Integer4: return defaultOf<Math::Vector4<int>>(input);
-    default: return {};
+    case Float:
+        return defaultOf<float>(input);
+    case Float2:
+        return defaultOf<Math::Vector2<float>>(input);
+    case Float3:
+        return defaultOf<Math::Vector3<float>>(input);
+    case Float4:
+        return defaultOf<Math::Vector4<float>>(input);
+    case Integer:
+        return defaultOf<int>(input);
+    case Integer2:
+        return defaultOf<Math::Vector2<int>>(input);
+    case Integer3:
+        return defaultOf<Math::Vector3<int>>(input);
+    case Integer4:
+        return defaultOf<Math::Vector4<int>>(input);
+    default:
+        return {};
     }
 }
 
@@ -96,7 +110,9 @@ std::string formatName(int code) {
     return std::to_string(code);
 }
 
-const char* typeName(unsigned int type) { return embedded::nameOf(static_cast<embedded::ValueType>(type)); }
+const char* typeName(unsigned int type) {
+    return embedded::nameOf(static_cast<embedded::ValueType>(type));
+}
 
 InputSummary summarizeInput(const SubstanceAir::InputDescBase& input, const SubstanceAir::GraphDesc& graph) {
     InputSummary summary;
@@ -110,6 +126,7 @@ InputSummary summarizeInput(const SubstanceAir::InputDescBase& input, const Subs
         const auto output = findOutput(graph.outputs, uid);
         if (output != graph.outputs.end()) summary.altered.push_back(output->identifier);
     }
+    std::sort(summary.altered.begin(), summary.altered.end());
     return summary;
 }
 
@@ -127,13 +144,20 @@ OutputSummary summarizeOutput(const SubstanceAir::OutputDesc& output) {
 
 const char* widgetName(kvSubstance::Widget widget) {
     switch (widget) {
-    case kvSubstance::WidgetSlider: return "slider";
-    case kvSubstance::WidgetAngle: return "angle";
-    case kvSubstance::WidgetToggleButton: return "togglebutton";
-    case kvSubstance::WidgetColor: return "color";
-    case kvSubstance::WidgetImage: return "image";
-    case kvSubstance::WidgetComboBox: return "combobox";
-    case kvSubstance::WidgetNone: break;
+    case kvSubstance::WidgetSlider:
+        return "slider";
+    case kvSubstance::WidgetAngle:
+        return "angle";
+    case kvSubstance::WidgetToggleButton:
+        return "togglebutton";
+    case kvSubstance::WidgetColor:
+        return "color";
+    case kvSubstance::WidgetImage:
+        return "image";
+    case kvSubstance::WidgetComboBox:
+        return "combobox";
+    case kvSubstance::WidgetNone:
+        break;
     }
     return "";
 }
@@ -166,10 +190,12 @@ GraphSummary summarize(const SubstanceAir::GraphDesc& graph) {
     for (const auto& input : graph.inputs) summary.inputs.push_back(summarizeInput(*input, graph));
     for (const auto& output : graph.outputs) summary.outputs.push_back(summarizeOutput(output));
     for (const auto& preset : graph.presets) {
-        PresetSummary& entry = summary.presets.emplace_back(PresetSummary{preset.label, preset.description, {}});
+        PresetSummary& entry =
+            summary.presets.emplace_back(PresetSummary{preset.label, preset.description, {}});
         for (const auto& value : preset.inputValues)
-            entry.values.emplace_back(
-                value.identifier.empty() ? "uid " + std::to_string(value.uid) : value.identifier, value.value);
+            entry.values.emplace_back(value.identifier.empty() ? "uid " + std::to_string(value.uid)
+                                                               : value.identifier,
+                                      value.value);
     }
     const auto byIdentifier = [](const auto& a, const auto& b) { return a.identifier < b.identifier; };
     std::stable_sort(summary.inputs.begin(), summary.inputs.end(), byIdentifier);
@@ -223,10 +249,10 @@ void printSummary(std::ostream& out, const GraphSummary& graph) {
     for (const OutputSummary& output : graph.outputs) {
         const std::string size =
             output.size ? std::to_string(output.size->first) + "x" + std::to_string(output.size->second) : "";
-        outputs.add({output.identifier, output.label, output.usage, output.format,
-                     std::to_string(output.mipmaps),
-                     output.hasDynamicSize || !output.size ? size + (size.empty() ? "$resolution" : " dynamic")
-                                                           : size});
+        outputs.add(
+            {output.identifier, output.label, output.usage, output.format, std::to_string(output.mipmaps),
+             output.hasDynamicSize || !output.size ? size + (size.empty() ? "$resolution" : " dynamic")
+                                                   : size});
     }
     outputs.print(out, 4);
 
@@ -240,28 +266,41 @@ void printSummary(std::ostream& out, const GraphSummary& graph) {
     }
 }
 
+namespace {
+
+nlohmann::ordered_json toJson(const InputSummary& input) {
+    using nlohmann::ordered_json;
+    const bool isInteger = input.type.compare(0, 7, "integer") == 0;
+    const auto numbers = [isInteger](const std::vector<double>& values) {
+        ordered_json list = ordered_json::array();
+        for (const double value : values)
+            list.push_back(isInteger ? ordered_json(std::llround(value)) : ordered_json(value));
+        return list;
+    };
+    ordered_json items = ordered_json::array();
+    for (const auto& [value, text] : input.comboItems) items.push_back({{"value", value}, {"text", text}});
+    return {{"identifier", input.identifier},
+            {"uid", input.uid},
+            {"label", input.label},
+            {"description", input.description},
+            {"type", input.type},
+            {"widget", input.widget},
+            {"default", numbers(input.defaultValue)},
+            {"min", numbers(input.minimum)},
+            {"max", numbers(input.maximum)},
+            {"step", numbers(input.step)},
+            {"clamp", input.clamps},
+            {"comboItems", items},
+            {"alters", input.altered}};
+}
+
+} // namespace
+
 nlohmann::ordered_json toJson(const GraphSummary& graph) {
     using nlohmann::ordered_json;
     ordered_json json{{"url", graph.url}, {"label", graph.label}};
     ordered_json& inputs = json["inputs"] = ordered_json::array();
-    for (const InputSummary& input : graph.inputs) {
-        ordered_json entry{{"identifier", input.identifier},
-                           {"uid", input.uid},
-                           {"label", input.label},
-                           {"description", input.description},
-                           {"type", input.type},
-                           {"widget", input.widget},
-                           {"default", input.defaultValue},
-                           {"min", input.minimum},
-                           {"max", input.maximum},
-                           {"step", input.step},
-                           {"clamp", input.clamps},
-                           {"comboItems", ordered_json::array()},
-                           {"alters", input.altered}};
-        for (const auto& [value, text] : input.comboItems)
-            entry["comboItems"].push_back({{"value", value}, {"text", text}});
-        inputs.push_back(std::move(entry));
-    }
+    for (const InputSummary& input : graph.inputs) inputs.push_back(toJson(input));
     ordered_json& outputs = json["outputs"] = ordered_json::array();
     for (const OutputSummary& output : graph.outputs) {
         ordered_json entry{{"identifier", output.identifier}, {"uid", output.uid},

@@ -14,7 +14,9 @@ namespace {
 using embedded::Value;
 using kvSubstance::SubstanceInput;
 
-bool holdsInts(const SubstanceInput& input) { return (input.getType() & 0x20) != 0; }
+bool holdsInts(const SubstanceInput& input) {
+    return (input.getType() & 0x20) != 0;
+}
 
 Value bound(const SubstanceInput& input, int (SubstanceInput::*integer)(int) const,
             float (SubstanceInput::*real)(int) const) {
@@ -22,8 +24,10 @@ Value bound(const SubstanceInput& input, int (SubstanceInput::*integer)(int) con
     value.type = valueTypeOf(input.getType());
     for (int i = 0; i < embedded::componentCount(value.type); ++i) {
         const auto slot = static_cast<size_t>(i);
-        if (holdsInts(input)) value.integers[slot] = (input.*integer)(i);
-        else value.floats[slot] = (input.*real)(i);
+        if (holdsInts(input))
+            value.integers[slot] = (input.*integer)(i);
+        else
+            value.floats[slot] = (input.*real)(i);
     }
     return value;
 }
@@ -55,7 +59,8 @@ std::string expectation(SubstanceInput& input) {
     if (const auto highest = upperBound(input)) text += ", up to " + embedded::formatValue(*highest);
     const auto& items = input.getComboItem();
     for (size_t i = 0; i < items.size(); ++i)
-        text += (i ? ", " : "; the choices are ") + std::to_string(i) + " " + embedded::quoted(textOf(items[i]));
+        text +=
+            (i ? ", " : "; the choices are ") + std::to_string(i) + " " + embedded::quoted(textOf(items[i]));
     return text;
 }
 
@@ -86,12 +91,13 @@ embedded::ValueType valueTypeOf(kvSubstance::Type type) {
     return count == 1 ? ValueType::Integer : static_cast<ValueType>(count + 6);
 }
 
-std::string textOf(const kvString::IString& text) { return text.asMultibyte().asChar(); }
+std::string textOf(const kvString::IString& text) {
+    return text.asMultibyte().asChar();
+}
 
 Value parseInputValue(SubstanceInput& input, std::string_view text, const std::string& place) {
     auto value = parseChoice(input, text);
     if (!value) value = embedded::parseValue(valueTypeOf(input.getType()), text);
-    if (value && embedded::isColourText(text)) value = embedded::linearFromSrgb(*value);
     const std::string wrong = place + ": " + embedded::quoted(text);
     if (!value) throw Failure(wrong + " does not fit; expected " + expectation(input));
     if (!isInRange(input, *value)) throw Failure(wrong + " is out of range; expected " + expectation(input));
@@ -103,8 +109,10 @@ void setInputValue(const kv::Reference<kvSubstance::Substance>& material, Substa
                    const Value& value) {
     for (int i = 0; i < embedded::componentCount(value.type); ++i) {
         const auto slot = static_cast<size_t>(i);
-        if (holdsInts(input)) input.setValueI(value.integers[slot], i);
-        else input.setValueF(value.floats[slot], i);
+        if (holdsInts(input))
+            input.setValueI(value.integers[slot], i);
+        else
+            input.setValueF(value.floats[slot], i);
     }
     kvSubstance::syncValueFromSubstanceInputToInputInstanceBase(material, &input);
 }

@@ -13,9 +13,9 @@ embedded::ValueType valueTypeOf(kvSubstance::Type type);
 
 std::string textOf(const kvString::IString& text);
 
-// Numbers with commas between them, one number for all components, "#rrggbb" for colours, or the text of a combo
-// item. Throws Failure when the text does not fit the input's type or choices, or, where the input clamps, its
-// range; the message begins with the place.
+// Numbers with commas between them, one number for all components, "#rrggbb" for colours, or the text of a
+// combo item. Throws Failure when the text does not fit the input's type or choices, or, where the input
+// clamps, its range; the message begins with the place.
 embedded::Value parseInputValue(kvSubstance::SubstanceInput& input, std::string_view text,
                                 const std::string& place);
 
@@ -24,7 +24,7 @@ void setInputValue(const kv::Reference<kvSubstance::Substance>& material, kvSubs
                    const embedded::Value& value);
 
 // Throws Failure, with the nearest identifiers, when there is no such input.
-kvSubstance::SubstanceInput& requireInput(const kvSubstance::Substance& material, const std::string& identifier,
-                                          const std::string& place);
+kvSubstance::SubstanceInput& requireInput(const kvSubstance::Substance& material,
+                                          const std::string& identifier, const std::string& place);
 
 } // namespace tool

@@ -1,4 +1,5 @@
-// What a host does with a material, from package bytes to pixels, through the library's shipped headers alone.
+// What a host does with a material, from package bytes to pixels, through the library's shipped headers
+// alone.
 #pragma once
 
 #include "material/Substance.h"

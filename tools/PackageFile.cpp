@@ -6,7 +6,9 @@
 
 namespace tool {
 
-PackageFile readPackageFile(const std::string& path) { return describePackage(path, readFileContent(path)); }
+PackageFile readPackageFile(const std::string& path) {
+    return describePackage(path, readFileContent(path));
+}
 
 PackageFile describePackage(const std::string& name, kv::vector<char> bytes) {
     const SubstanceAir::OutputFormatOptions options{SubstanceAir::AllFormatClasses, 0};

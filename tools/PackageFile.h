@@ -19,8 +19,8 @@ struct PackageFile {
     const SubstanceAir::GraphDesc& graph() const { return graphs.front(); }
 };
 
-// Throw Failure for what is no package, or has no graph. Not while a material exists that was made of the same
-// package: what is read here takes its place among the packages that the renderer knows.
+// Throw Failure for what is no package, or has no graph. Not while a material exists that was made of the
+// same package: what is read here takes its place among the packages that the renderer knows.
 PackageFile readPackageFile(const std::string& path);
 PackageFile describePackage(const std::string& name, kv::vector<char> bytes);
 

@@ -9,8 +9,8 @@
 namespace tool {
 namespace {
 
-// Usages that stand in for each other when packages are stacked. The pass-through top has an input for each of
-// them, so that the one that is asked for takes no other's output.
+// Usages that stand in for each other when packages are stacked. The pass-through top has an input for each
+// of them, so that the one that is asked for takes no other's output.
 const std::vector<std::vector<std::string>> relatedUsages = {
     {"specular", "specularColor", "specularLevel", "glossiness", "roughness"},
     {"bump", "height", "displacement"},

@@ -46,8 +46,9 @@ Picture readPng(const std::string& path) {
     const auto fail = [&] { throw Failure(path + ": not a PNG picture: " + png.image.message); };
     if (!png_image_begin_read_from_memory(&png.image, bytes.data(), bytes.size())) fail();
     if (png.image.width > maxPictureSide || png.image.height > maxPictureSide)
-        throw Failure(path + ": " + std::to_string(png.image.width) + " by " + std::to_string(png.image.height) +
-                      " pixels are too many; at most " + std::to_string(maxPictureSide) + " a side are read");
+        throw Failure(path + ": " + std::to_string(png.image.width) + " by " +
+                      std::to_string(png.image.height) + " pixels are too many; at most " +
+                      std::to_string(maxPictureSide) + " a side are read");
     png.image.format = PNG_FORMAT_RGBA;
     Picture picture(static_cast<int>(png.image.width), static_cast<int>(png.image.height));
     if (!png_image_finish_read(&png.image, nullptr, picture.rgba.data(), 0, nullptr)) fail();

@@ -16,8 +16,8 @@ using SubstanceAir::PresetInputValue;
 
 const Preset* findPreset(const PackageFile& package, const std::string& label) {
     const auto& presets = package.graph().presets;
-    const auto found =
-        std::find_if(presets.begin(), presets.end(), [&](const Preset& preset) { return preset.label == label; });
+    const auto found = std::find_if(presets.begin(), presets.end(),
+                                    [&](const Preset& preset) { return preset.label == label; });
     return found == presets.end() ? nullptr : &*found;
 }
 
@@ -34,8 +34,8 @@ const Preset& choosePreset(const std::string& wanted, const PackageFile& bottom,
     const Preset* const ofBottom = isTop ? nullptr : findPreset(bottom, label);
     const Preset* const ofTop = isBottom ? nullptr : findPreset(top, label);
     if (ofBottom && ofTop)
-        throw Failure("--preset " + wanted + ": both packages have a preset of that name; write \"bottom:" + label +
-                      "\" or \"top:" + label + "\"");
+        throw Failure("--preset " + wanted + ": both packages have a preset of that name; write \"bottom:" +
+                      label + "\" or \"top:" + label + "\"");
     if (ofBottom || ofTop) return ofBottom ? *ofBottom : *ofTop;
 
     std::vector<std::string> labels;
@@ -45,14 +45,15 @@ const Preset& choosePreset(const std::string& wanted, const PackageFile& bottom,
     throw Failure("--preset " + wanted + ": there is no such preset" + embedded::suggestion(label, labels));
 }
 
-// The material's input that a preset's value is for: by uid, or, where two "$" inputs became one, by identifier.
-// Null when it has none.
-kvSubstance::SubstanceInput* findTarget(const PresetInputValue& value, const kvSubstance::Substance& material) {
+// The material's input that a preset's value is for: by uid, or, where two "$" inputs became one, by
+// identifier. Null when it has none.
+kvSubstance::SubstanceInput* findTarget(const PresetInputValue& value,
+                                        const kvSubstance::Substance& material) {
     if (auto* const input = dynamic_cast<kvSubstance::SubstanceInput*>(material.getEntity(value.uid)))
         return input;
     const auto& fused = material.getPackageStackDesc()->fusedInputs();
-    const bool isFused = std::any_of(fused.begin(), fused.end(),
-                                     [&](const auto& pair) { return pair.second == value.uid; });
+    const bool isFused =
+        std::any_of(fused.begin(), fused.end(), [&](const auto& pair) { return pair.second == value.uid; });
     return isFused ? material.getInput(value.identifier.c_str()) : nullptr;
 }
 
@@ -65,22 +66,26 @@ std::string applyValue(const PresetInputValue& value, const kv::Reference<kvSubs
     const embedded::ValueType type = valueTypeOf(input->getType());
     if (static_cast<unsigned int>(type) != value.type) return "its type differs from the material's input";
     // The library carries values to the engine's side by identifier, so it would mistake one for the other.
-    if (material->getInput(input->getIdentifier()) != input) return "both packages have an input of that name";
+    if (material->getInput(input->getIdentifier()) != input)
+        return "both packages have an input of that name";
     const auto parsed = embedded::parseValue(type, value.value);
-    if (!parsed) return "expected " + embedded::expectedValue(type) + ", not " + embedded::quoted(value.value);
+    if (!parsed)
+        return "expected " + embedded::expectedValue(type) + ", not " + embedded::quoted(value.value);
     setInputValue(material, *input, *parsed);
     return "";
 }
 
 } // namespace
 
-std::vector<std::string> applyPreset(const std::string& name, const PackageFile& bottom, const PackageFile& top,
+std::vector<std::string> applyPreset(const std::string& name, const PackageFile& bottom,
+                                     const PackageFile& top,
                                      const kv::Reference<kvSubstance::Substance>& material) {
     std::vector<std::string> leftOut;
     for (const PresetInputValue& value : choosePreset(name, bottom, top).inputValues) {
         const std::string reason = applyValue(value, material);
         if (reason.empty()) continue;
-        const std::string input = value.identifier.empty() ? "uid " + std::to_string(value.uid) : value.identifier;
+        const std::string input =
+            value.identifier.empty() ? "uid " + std::to_string(value.uid) : value.identifier;
         leftOut.push_back("--preset " + name + ": left out " + input + ": " + reason);
     }
     return leftOut;

@@ -25,8 +25,9 @@ std::string lowered(std::string text) {
 }
 
 std::string usageOf(const OutputDesc& output) {
-    return output.channel < SubstanceAir::ChannelUsageCount ? SubstanceAir::channelUsageNames()[output.channel]
-                                                            : "";
+    return output.channel < SubstanceAir::ChannelUsageCount
+               ? SubstanceAir::channelUsageNames()[output.channel]
+               : "";
 }
 
 NameIndex namesOfOutputs(const GraphDesc& graph) {
@@ -44,31 +45,31 @@ NameIndex namesOfImageInputs(const GraphDesc& graph) {
         if (input->isImage()) names.emplace(lowered(input->identifier), input->uid);
     for (const auto& input : graph.inputs)
         if (input->isImage()) names.emplace(lowered(input->label), input->uid);
+    // An input also answers to the names that stand in for its own.
+    static const std::vector<std::string> chains[] = {
+        {"specular", "specularcolor", "specularlevel", "glossiness", "roughness"},
+        {"bump", "height", "displacement"},
+    };
+    for (const auto& chain : chains) {
+        const auto first = std::find_if(chain.begin(), chain.end(),
+                                        [&](const auto& name) { return names.count(name) != 0; });
+        if (first == chain.end()) continue;
+        const unsigned int uid = names.at(*first);
+        for (const std::string& name : chain) names.emplace(name, uid);
+    }
     return names;
 }
 
-// By which name an output found an input.
-std::string connectingName(const NameIndex& inputs, const NameIndex& outputs, unsigned int inputUid,
-                           unsigned int outputUid) {
+// By which name an output found an input. Names run in their order, as they did when the two were connected.
+std::string connectingName(const NameIndex& inputs, const NameIndex& outputs, const InputDescBase& input,
+                           const OutputDesc& output) {
     for (const auto& [name, uid] : inputs) {
-        const auto output = outputs.find(name);
-        if (uid == inputUid && output != outputs.end() && output->second == outputUid)
-            return "the name \"" + name + "\"";
-    }
-    return "";
-}
-
-// The same for names that stand in for each other, which only the output has.
-std::string standInName(const NameIndex& outputs, const GraphDesc& bottom, unsigned int outputUid) {
-    const auto output = findOutput(bottom.outputs, outputUid);
-    if (output == bottom.outputs.end()) return "-";
-    for (const char* name : {"specular", "specularcolor", "specularlevel", "glossiness", "roughness", "bump",
-                             "height", "displacement"}) {
         const auto found = outputs.find(name);
-        if (found != outputs.end() && found->second == outputUid)
-            return std::string("\"") + name + "\" standing in for it";
+        if (uid != input.uid || found == outputs.end() || found->second != output.uid) continue;
+        const bool isOwnName = name == lowered(input.identifier) || name == lowered(input.label);
+        return embedded::quoted(name) + (isOwnName ? "" : ", which stands in for it");
     }
-    return "being the only candidate";
+    return "being the best there is";
 }
 
 } // namespace
@@ -78,15 +79,15 @@ void explainStacking(std::ostream& out, const PackageFile& bottom, const Package
     const NameIndex outputs = namesOfOutputs(bottom.graph());
     const NameIndex inputs = namesOfImageInputs(top.graph());
     const auto& connections = material.getPackageStackDesc()->connections();
-    out << connections.size() << " connections from " << bottom.name << " to " << top.name << "\n";
+    out << connections.size() << (connections.size() == 1 ? " connection from " : " connections from ")
+        << bottom.name << " to " << top.name << "\n";
     Table table({"output", "usage", "feeds input", "connected by"});
     for (const auto& [outputUid, inputUid] : connections) {
         const auto output = findOutput(bottom.graph().outputs, outputUid);
         const InputDescBase* const input = findInput(top.graph().inputs, inputUid);
         if (output == bottom.graph().outputs.end() || !input) continue;
-        std::string name = connectingName(inputs, outputs, inputUid, outputUid);
-        if (name.empty()) name = standInName(outputs, bottom.graph(), outputUid);
-        table.add({output->identifier, usageOf(*output), input->identifier, name});
+        table.add({output->identifier, usageOf(*output), input->identifier,
+                   connectingName(inputs, outputs, *input, *output)});
     }
     table.print(out, 2);
 
@@ -95,7 +96,8 @@ void explainStacking(std::ostream& out, const PackageFile& bottom, const Package
                            [uid](const auto& connection) { return connection.second == uid; });
     };
     for (const auto& input : top.graph().inputs)
-        if (input->isImage() && !isFed(input->uid)) out << "  nothing feeds input " << input->identifier << "\n";
+        if (input->isImage() && !isFed(input->uid))
+            out << "  nothing feeds input " << input->identifier << "\n";
     for (const auto& [bottomUid, topUid] : material.getPackageStackDesc()->fusedInputs())
         if (const InputDescBase* const input = findInput(bottom.graph().inputs, bottomUid))
             out << "  input " << input->identifier << " is one for both\n";

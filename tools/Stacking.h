@@ -1,4 +1,5 @@
-// What became of two packages that were stacked: which outputs feed which inputs, and why there is no texture.
+// What became of two packages that were stacked: which outputs feed which inputs, and why there is no
+// texture.
 #pragma once
 
 #include "material/Substance.h"

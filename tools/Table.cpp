@@ -16,7 +16,8 @@ size_t columnsOf(const std::string& text) {
 
 } // namespace
 
-Table::Table(std::vector<std::string> headings) : rows{std::move(headings)} {}
+Table::Table(std::vector<std::string> headings)
+    : rows{std::move(headings)} {}
 
 void Table::add(std::vector<std::string> row) {
     for (std::string& text : row)

@@ -44,6 +44,7 @@ std::vector<unsigned char> compile(std::string_view source, Diagnostics& diagnos
 
     Program program;
     std::vector<AlteredOutputs> altered;
+    altered.reserve(graphs.size());
     for (const SourceGraph& graph : graphs) altered.push_back(appendGraph(graph, program, diagnostics));
     if (diagnostics.hasErrors()) return {};
 

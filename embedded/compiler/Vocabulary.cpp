@@ -48,6 +48,7 @@ auto find(const Entries& entries, std::string_view name) {
 template <typename Entries>
 std::vector<std::string> namesOf(const Entries& entries) {
     std::vector<std::string> names;
+    names.reserve(entries.size());
     for (const auto& entry : entries) names.emplace_back(entry.name);
     return names;
 }

@@ -6,18 +6,20 @@
 
 namespace embedded {
 
-// Bilinear, at a place in pixels ((0, 0) is the centre of the first pixel). Sides are powers of two. Places
-// beyond a million pixels are as good as that: what gets there is noise, and indices stay safe for any
-// number.
+// Bilinear, at the distance (dx, dy) in pixels from the centre of pixel (x, y). Sides are powers of two.
+// Distances beyond a million pixels are as good as that: what gets there is noise, and indices stay safe for
+// any number.
 template <int channels>
-void sampleWrapped(const Image& image, float x, float y, float* out) {
+void sampleWrapped(const Image& image, int x, int y, float dx, float dy, float* out) {
     constexpr float farthest = 1048576.0f;
-    const float boundedX = clamp(x, -farthest, farthest);
-    const float boundedY = clamp(y, -farthest, farthest);
-    const int left = floorToInt(boundedX);
-    const int top = floorToInt(boundedY);
-    const float tx = boundedX - static_cast<float>(left);
-    const float ty = boundedY - static_cast<float>(top);
+    const float boundedX = clamp(dx, -farthest, farthest);
+    const float boundedY = clamp(dy, -farthest, farthest);
+    const int wholeX = floorToInt(boundedX);
+    const int wholeY = floorToInt(boundedY);
+    const float tx = boundedX - static_cast<float>(wholeX);
+    const float ty = boundedY - static_cast<float>(wholeY);
+    const int left = x + wholeX;
+    const int top = y + wholeY;
     const int x0 = left & (image.width() - 1);
     const int x1 = (left + 1) & (image.width() - 1);
     const float* upper = image.row(top & (image.height() - 1));

@@ -81,8 +81,8 @@ private:
             const float u = (static_cast<float>(x) + 0.5f) / static_cast<float>(width_) - 0.5f - m.offsetX;
             const float sourceU = m.xx * u + m.xy * v + 0.5f * m.scaleX;
             const float sourceV = m.yx * u + m.yy * v + 0.5f * m.scaleY;
-            sampleWrapped<channels>(*source_, sourceU * sourceWidth - 0.5f, sourceV * sourceHeight - 0.5f,
-                                    out);
+            sampleWrapped<channels>(*source_, 0, 0, sourceU * sourceWidth - 0.5f,
+                                    sourceV * sourceHeight - 0.5f, out);
         }
     }
 

@@ -38,7 +38,7 @@ struct Displacement {
                 dx += vectorScale * (vector[0] - 0.5f);
                 dy += vectorScale * (vector[1] - 0.5f);
             }
-            sampleWrapped<channels>(*source, static_cast<float>(x) - dx, static_cast<float>(y) - dy, out);
+            sampleWrapped<channels>(*source, x, y, -dx, -dy, out);
         }
     }
 

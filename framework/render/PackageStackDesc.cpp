@@ -43,9 +43,6 @@ PackageStackDesc::PackageStackDesc(const GraphDesc& bottomGraph, const GraphDesc
     , top(&topGraph) {
     if (!bottom->parent || !top->parent) return;
 
-    // The graph is there before the stack is registered: packages with a graph unregister themselves, also
-    // when the rest of the construction fails.
-    graphDescs.emplace_back();
     enterRegistry();
     connect();
     buildGraph(graphDescs.back());
@@ -59,8 +56,8 @@ void PackageStackDesc::enterRegistry() {
     const RendererAccess renderer;
     assemblyUid = nextStackUid(renderer, bottom->parent->asmUid(), top->parent->asmUid());
 
-    // The graph is there before the stack is registered: packages with a graph unregister themselves, also when
-    // the rest of the construction fails.
+    // The graph is there before the stack is registered: packages with a graph unregister themselves, also
+    // when the rest of the construction fails.
     graphDescs.emplace_back();
     if (renderer) renderer->registerPackage(*this);
 }

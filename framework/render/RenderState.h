@@ -50,7 +50,7 @@ public:
 
 private:
     struct HandleRelease {
-        void operator()(SubstanceHandle* handle) const { substanceHandleRelease(handle); }
+        void operator()(SubstanceHandle* owned) const { substanceHandleRelease(owned); }
     };
     using HandleOwner = std::unique_ptr<SubstanceHandle, HandleRelease>;
     using EngineInputs = std::map<unsigned int, SubstanceInputDesc>; // by input uid

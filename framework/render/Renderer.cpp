@@ -14,13 +14,15 @@ namespace SubstanceAir {
 using Lock = boost::lock_guard<boost::mutex>;
 
 RendererImpl::RendererImpl() {
-    substanceLinkerContextInit(&linkerContext, SubstanceLinkerApiVersion, SubstanceLinkerEngineId);
+    SubstanceLinkerContext* made = nullptr;
+    substanceLinkerContextInit(&made, SubstanceLinkerApiVersion, SubstanceLinkerEngineId);
+    if (made) linkerContext.reset(made, substanceLinkerContextRelease);
 }
 
 RendererImpl::~RendererImpl() {
     states.clear();
     engineContext.reset();
-    if (linkerContext) substanceLinkerContextRelease(linkerContext);
+    linkerContext.reset();
 }
 
 void RendererImpl::registerPackage(const PackageDesc& package) {
@@ -52,7 +54,7 @@ void RendererImpl::pushJob(std::unique_ptr<RenderJob> job) {
 
 void RendererImpl::runAll() {
     if (!ensureContext()) return;
-    for (RenderState* const state : allStates()) state->run(linkerContext, engineContext, packages);
+    for (RenderState* const state : allStates()) state->run(linkerContext.get(), engineContext, packages);
 }
 
 void RendererImpl::updateStateKey(std::uint64_t graphIdentity, const std::vector<unsigned char>& /*oldBytes*/,
@@ -75,7 +77,10 @@ bool RendererImpl::ensureContext() {
     if (engineContext) return true;
     SubstanceContext* made = nullptr;
     if (substanceContextInit(&made, &device) != 0) return false;
-    std::shared_ptr<SubstanceContext> owner(made, substanceContextRelease);
+    const auto release = [outlived = linkerContext](SubstanceContext* context) {
+        substanceContextRelease(context);
+    };
+    std::shared_ptr<SubstanceContext> owner(made, release);
     const auto callback = reinterpret_cast<SubstanceCallback>(&RendererImpl::onOutputCompleted);
     if (substanceContextSetCallback(made, SubstanceCallbackOutputCompleted, callback) != 0) return false;
     engineContext = std::move(owner);

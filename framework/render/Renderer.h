@@ -58,8 +58,8 @@ private:
 
     std::vector<std::unique_ptr<RenderState>> states; // in the order of their creation; never shrinks
     PackageRegistry packages;
-    SubstanceLinkerContext* linkerContext = nullptr;
-    std::shared_ptr<SubstanceContext> engineContext; // on first use
+    std::shared_ptr<SubstanceLinkerContext> linkerContext;
+    std::shared_ptr<SubstanceContext> engineContext; // on first use; keeps the linker context
     SubstanceDevice device{};
     mutable boost::mutex statesMutex; // guards the list, which a run reads without the renderer mutex
 };

@@ -14,49 +14,33 @@ namespace kvSubstance {
 
 namespace {
 
-namespace fs = std::filesystem;
-
-class Content : public testing::Test {
-protected:
-    Content() { fs::create_directories(folder); }
-    ~Content() override { fs::remove_all(folder); }
-
-    std::string write(const char* name, const std::string& bytes) {
-        std::ofstream(folder / name, std::ios::binary) << bytes;
-        return (folder / name).string();
+// What each reader makes of a buffer that holds "old".
+std::string read(const std::string& path) {
+    std::string texts;
+    for (const auto reader : {readSubstanceContent, readSubstanceContentAsChar}) {
+        kv::vector<char> content{'o', 'l', 'd'};
+        reader(kvString::IString(path.c_str(), kvString::EncodingMultibyte), content);
+        texts += "[" + std::string(content.begin(), content.end()) + "]";
     }
-
-    // What each reader makes of a buffer that holds "old".
-    static std::string read(const std::string& path) {
-        std::string texts;
-        for (const auto reader : {readSubstanceContent, readSubstanceContentAsChar}) {
-            kv::vector<char> content{'o', 'l', 'd'};
-            reader(kvString::IString(path.c_str(), kvString::EncodingMultibyte), content);
-            texts += "[" + std::string(content.begin(), content.end()) + "]";
-        }
-        return texts;
-    }
-
-    const fs::path folder =
-        fs::temp_directory_path() /
-        ("kvsubstance-content-" + std::to_string(testing::UnitTest::GetInstance()->random_seed()) +
-         std::to_string(reinterpret_cast<std::uintptr_t>(this)));
-};
-
-TEST_F(Content, BytesAsTheyAre) {
-    EXPECT_EQ(read(write("empty", "")), "[][]");
-    const std::string bytes("a\r\nb\x1a\0c\n", 8);
-    EXPECT_EQ(read(write("bytes", bytes)), "[" + bytes + "][" + bytes + "]");
+    return texts;
 }
 
-TEST_F(Content, WhatIsNoFileIsNotOpened) {
-    EXPECT_EQ(read((folder / "missing").string()), "[old][]");
-    EXPECT_EQ(read(folder.string()), "[old][]");
+TEST(Content, BytesOfRegularFiles) {
+    const std::string folder = testing::TempDir() + "kvsubstance-content";
+    std::filesystem::remove_all(folder);
+    std::filesystem::create_directories(folder);
+    const std::string path = folder + "/file";
+    for (const std::string& bytes : {std::string(), std::string("a\r\nb\x1a\0c\n", 8)}) {
+        std::ofstream(path, std::ios::binary) << bytes;
+        EXPECT_EQ(read(path), "[" + bytes + "][" + bytes + "]");
+    }
+    EXPECT_EQ(read(folder + "/missing"), "[old][]");
+    EXPECT_EQ(read(folder), "[old][]");
 #if !defined(_WIN32)
-    const std::string pipe = (folder / "pipe").string();
-    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
-    EXPECT_EQ(read(pipe), "[old][]");
+    ASSERT_EQ(mkfifo((folder + "/pipe").c_str(), 0600), 0);
+    EXPECT_EQ(read(folder + "/pipe"), "[old][]");
 #endif
+    std::filesystem::remove_all(folder);
 }
 
 } // namespace

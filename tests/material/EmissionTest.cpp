@@ -1,9 +1,8 @@
-// The emission of the modified signal: order, rings and bombs, and what callbacks may destroy.
+// The emission of the modified signal: rings and bombs, what callbacks may destroy, and who outlives whom.
 #include "tests/material/ModelText.h"
 
 #include <gtest/gtest.h>
 
-#include <functional>
 #include <memory>
 #include <stdexcept>
 #include <thread>
@@ -12,76 +11,51 @@ namespace kvSubstance {
 
 namespace {
 
-struct Action {
-    kvRTB::SignalBase tracking;
-    std::function<void()> act;
-
-    void called() { std::function<void()>(act)(); } // a copy, which outlives this object
-};
-
-void connect(SubstanceEntity& entity, Action& action) {
-    entity.getModifiedSignal().connect(kvRTB::FunctionVoidMember<Action>(&action, &Action::called),
-                                       action.tracking);
-}
-
-void mark(SubstanceEntity& source, SubstanceEntity& target) {
-    const kvRTB::FunctionVoidMember<SubstanceEntity> callback(&target, &SubstanceEntity::onModified);
-    source.getModifiedSignal().connect(callback, target.getReceiver());
-}
-
 kv::Reference<SubstanceInput> freeInput() {
     return new SubstanceInput(nullptr, 1, "free", TypeInt1);
 }
 
 TEST(Emission, ReachesWhatIsConnectedMeanwhileAndSkipsTheBlocked) {
     const auto input = freeInput();
-    Listener blocked, late;
-    Action adder;
+    Listener blocked, late, adder;
     adder.act = [&] { late.listenTo(*input); };
     blocked.listenTo(*input);
-    connect(*input, adder);
+    adder.listenTo(*input);
     kvRTB::SignalWalk(input->getModifiedSignal()).first()->setBlocked(true);
     input->onModified();
-    EXPECT_EQ(blocked.calls, 0);
-    EXPECT_EQ(late.calls, 1);
+    EXPECT_TRUE(blocked.calls == 0 && late.calls == 1);
 }
 
 TEST(Emission, RingsEndAtTheNestingLimit) {
     const auto a = freeInput();
     const auto b = freeInput();
-    mark(*a, *b);
-    mark(*b, *a);
     Listener onA, onB;
+    onA.act = [&] { b->onModified(); };
+    onB.act = [&] { a->onModified(); };
     onA.listenTo(*a);
     onB.listenTo(*b);
-    a->setValueI(1, 0);
-    EXPECT_TRUE(a->isModified() && b->isModified());
-    EXPECT_EQ(onA.calls + onB.calls, SubstanceEntity::MaxNestedEmissions);
-    a->setValueI(2, 0); // the next one has all its depth again
-    EXPECT_EQ(onA.calls + onB.calls, 2 * SubstanceEntity::MaxNestedEmissions);
+    for (int times = 1; times <= 2; ++times) { // the second one has all its depth again
+        a->setValueI(times, 0);
+        EXPECT_EQ(onA.calls + onB.calls, times * SubstanceEntity::MaxNestedEmissions);
+    }
 }
 
 TEST(Emission, BombsEndAtTheCallbackLimit) {
     const auto input = freeInput();
-    Action fuse;
-    int calls = 0;
-    fuse.act = [&] {
-        ++calls;
+    Listener fuse;
+    fuse.act = [&] { input->onModified(); };
+    for (int times = 0; times < 3; ++times) fuse.listenTo(*input);
+    for (int times = 1; times <= 2; ++times) {
         input->onModified();
-    };
-    for (int times = 0; times < 3; ++times) connect(*input, fuse);
-    input->onModified();
-    EXPECT_EQ(calls, SubstanceEntity::MaxCallbacksPerEmission);
-    calls = 0;
-    input->onModified();
-    EXPECT_EQ(calls, SubstanceEntity::MaxCallbacksPerEmission);
+        EXPECT_EQ(fuse.calls, times * SubstanceEntity::MaxCallbacksPerEmission);
+    }
 }
 
 TEST(Emission, LetsGoOfTheConnectionWhenACallbackThrows) {
     const auto input = freeInput();
-    Action thrower;
+    Listener thrower;
     thrower.act = [] { throw std::runtime_error("callback"); };
-    connect(*input, thrower);
+    thrower.listenTo(*input);
     for (int times = 0; times <= SubstanceEntity::MaxNestedEmissions; ++times)
         EXPECT_THROW(input->onModified(), std::runtime_error);
     // Another thread gets the connection's lock: a forgotten one would hold it for ever.
@@ -91,15 +65,11 @@ TEST(Emission, LetsGoOfTheConnectionWhenACallbackThrows) {
 
 TEST(Emission, CallbacksMayDestroyReceiversAndTheEmitter) {
     auto input = freeInput();
-    auto own = std::make_unique<Action>();
+    auto own = std::make_unique<Listener>();
     auto later = std::make_unique<Listener>();
     Listener last;
-    own->act = [&] {
-        later.reset();
-        input.reset();
-        own.reset();
-    };
-    connect(*input, *own);
+    own->act = [&] { later.reset(), input.reset(), own.reset(); };
+    own->listenTo(*input);
     later->listenTo(*input);
     last.listenTo(*input);
     input->setValueI(1, 0);
@@ -109,21 +79,34 @@ TEST(Emission, CallbacksMayDestroyReceiversAndTheEmitter) {
 
 TEST(Emission, ResetSurvivesTheLastReference) {
     kv::Reference<Substance> material(new Substance);
-    for (unsigned int uid = 1; uid <= 2; ++uid) {
-        SubstanceInput* const input = material->newInput(uid, std::to_string(uid).c_str(), TypeInt3);
-        SubstanceInput::IntOrFloat ones{{1, 1, 1, 1}};
-        input->setDefault(ones, false);
-    }
-    Action dropper;
-    int calls = 0;
-    dropper.act = [&] {
-        ++calls;
-        material.reset();
-    };
-    connect(*material, dropper);
-    connect(*material->getInput("2"), dropper);
+    for (const char* const identifier : {"1", "2"})
+        material->newInput(*identifier, identifier, TypeInt3)->setDefault({{1, 1, 1, 1}}, false);
+    Listener dropper;
+    dropper.act = [&] { material.reset(); };
+    dropper.listenTo(*material);
+    dropper.listenTo(*material->getInput("2"));
     material->reset();
-    EXPECT_EQ(calls, 4); // once through the material, then three slots of the second input
+    EXPECT_EQ(dropper.calls, 4); // once through the material, then three slots of the second input
+}
+
+TEST(Emission, InputsThatOutliveTheirMaterialForgetIt) {
+    kv::Reference<Substance> material(new Substance);
+    material->setPackageURL("pkg:/x");
+    const kv::Reference<SubstanceInput> replaced(material->newInput(1, "a", TypeInt1));
+    const kv::Reference<SubstanceInput> kept(material->newInput(1, "a", TypeInt1));
+    // By a caller whose text belongs to what is being replaced.
+    const SubstanceInput* const gone = material->newInput(2, "b", TypeInt1);
+    material->newInput(2, gone->getIdentifier(), TypeInt1);
+    EXPECT_EQ(material->getInputIds().back(), "b");
+
+    replaced->setValueI(1, 0); // replaced is not disconnected
+    EXPECT_TRUE(material->isModified());
+    EXPECT_STREQ(replaced->getIndexIdentifier(0).asChar(), "$substance$:pkg:/x:a");
+    material.reset();
+    for (const auto& input : {replaced, kept}) {
+        EXPECT_STREQ(input->getIndexIdentifier(0).asChar(), "$substance$::a");
+        input->setValueI(7, 0);
+    }
 }
 
 } // namespace

@@ -1,20 +1,25 @@
-// Materials as text, to be compared whole.
+// Materials as text, to be compared whole, and listeners to count with.
 #pragma once
 
 #include "material/Substance.h"
 
+#include <functional>
 #include <initializer_list>
-#include <ostream>
 #include <string>
 
 namespace kvSubstance {
 
-// Counts how often it is called.
+// Counts how often it is called, and then acts.
 struct Listener {
     kvRTB::SignalBase tracking;
     int calls = 0;
+    std::function<void()> act = [] {};
 
-    void called() { ++calls; }
+    void called() {
+        ++calls;
+        const std::function<void()> outlivesThis = act;
+        outlivesThis();
+    }
     void listenTo(SubstanceEntity& entity) {
         entity.getModifiedSignal().connect(kvRTB::FunctionVoidMember<Listener>(this, &Listener::called),
                                            tracking);
@@ -24,10 +29,10 @@ struct Listener {
 // All four slots, as ints when the input's type says so.
 std::string valueText(const SubstanceInput& input);
 
-// Everything an input tells, on one line; what is unset is left out.
+// What an input tells but its uid, on one line; what is unset is left out.
 std::string inputText(SubstanceInput& input);
 
 // The material, the outputs of these identifiers, and the inputs in the order of their ids, one a line.
-std::string modelText(Substance& material, std::initializer_list<const char*> outputs = {});
+std::string modelText(Substance& material, std::initializer_list<const char*> outputs);
 
 } // namespace kvSubstance

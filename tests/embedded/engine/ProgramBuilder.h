@@ -43,7 +43,8 @@ public:
             const auto given = parameters.find(parameter.name);
             const std::vector<double> defaults(parameter.defaultValue.begin(), parameter.defaultValue.end());
             Binding binding;
-            binding.constant = makeValue(parameter.type, given == parameters.end() ? defaults : given->second);
+            binding.constant =
+                makeValue(parameter.type, given == parameters.end() ? defaults : given->second);
             added.parameters.push_back(binding);
         }
         for (const auto& given : parameters) parameterIndex(*kind, given.first); // names the misspelt ones
@@ -53,7 +54,8 @@ public:
         return static_cast<std::int32_t>(program.nodes.size()) - 1;
     }
 
-    void bind(std::int32_t node, const std::string& parameter, std::int32_t input, float scale = 1, float offset = 0) {
+    void bind(std::int32_t node, const std::string& parameter, std::int32_t input, float scale = 1,
+              float offset = 0) {
         ProgramNode& bound = program.nodes[static_cast<std::size_t>(node)];
         Binding& binding = bound.parameters[parameterIndex(*findNodeKind(bound.kind), parameter)];
         binding.input = input;

@@ -4,6 +4,7 @@
 #include "framework/description/PackageDesc.h"
 
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace descriptiontext {

@@ -1,0 +1,324 @@
+// Runs the built tool as a process.
+
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+#include <png.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <vector>
+
+#if !defined(_WIN32)
+#include <sys/wait.h>
+#endif
+
+namespace {
+
+namespace fs = std::filesystem;
+
+// A bottom with an input of each widget, and a channel that is no colour.
+const char* const bottomSource = R"(<package>
+  <graph url="pkg://bottom" label="Bottom">
+    <input identifier="$resolution" type="integer2" default="4,4"/>
+    <input identifier="level" label="Level" type="float" default="0.5" min="0" max="1" step="0.1"/>
+    <input identifier="tint" label="Tint" type="float3" default="#ff0000"/>
+    <input identifier="look" label="Look" type="integer" default="0">
+      <item value="0" text="Plain"/>
+      <item value="1" text="Noisy"/>
+    </input>
+    <node name="plain" kind="uniform" colour="colour" value="{tint}" encoding="srgb"/>
+    <node name="gray" kind="uniform" value="{level}"/>
+    <node name="noise" kind="fbm" seed="{look}"/>
+    <node name="mixed" kind="blend" background="plain" foreground="noise" mode="multiply" opacity="{level}"/>
+    <output identifier="basecolor" usage="diffuse" node="mixed"/>
+    <output identifier="roughness" node="gray"/>
+    <preset label="Blue" description="As the sky"><set input="tint" value="#0000ff"/></preset>
+  </graph>
+</package>)";
+
+const char* const topSource = R"(<package>
+  <graph url="pkg://top" label="Top">
+    <input identifier="$resolution" type="integer2" default="5,5"/>
+    <input identifier="diffuse" type="image"/>
+    <input identifier="height" type="image"/>
+    <input identifier="amount" label="Amount" type="float" default="0" min="0" max="1"/>
+    <node name="below" kind="imageInput" image="{diffuse}"/>
+    <node name="relief" kind="imageInput" image="{height}"/>
+    <node name="white" kind="uniform" colour="colour" value="1,1,1,1"/>
+    <node name="first" kind="blend" background="below" foreground="white" opacity="{amount}"/>
+    <node name="result" kind="blend" background="first" foreground="relief" opacity="0"/>
+    <output identifier="Output" format="srgb8" node="result"/>
+    <preset label="Snow"><set input="amount" value="1"/><set input="$resolution" value="3,3"/></preset>
+  </graph>
+</package>)";
+
+struct Outcome {
+    int status;
+    std::string out;
+    std::string error;
+};
+
+struct Pixels {
+    unsigned int width = 0;
+    unsigned int height = 0;
+    std::vector<unsigned char> rgba;
+};
+
+std::string readFile(const fs::path& path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+Pixels readPng(const fs::path& path) {
+    png_image image{};
+    image.version = PNG_IMAGE_VERSION;
+    if (!png_image_begin_read_from_file(&image, path.string().c_str())) return {};
+    image.format = PNG_FORMAT_RGBA;
+    Pixels pixels{image.width, image.height, std::vector<unsigned char>(PNG_IMAGE_SIZE(image))};
+    if (!png_image_finish_read(&image, nullptr, pixels.rgba.data(), 0, nullptr)) return {};
+    return pixels;
+}
+
+// Each test has a folder of its own with two packages.
+class Tool : public testing::Test {
+protected:
+    void SetUp() override {
+        const std::string name = testing::UnitTest::GetInstance()->current_test_info()->name();
+        folder = fs::path(testing::TempDir()) / ("kvsubstance_tool_" + name);
+        fs::remove_all(folder);
+        fs::create_directories(folder);
+        compilePackage("bottom", bottomSource);
+        compilePackage("top", topSource);
+    }
+    void TearDown() override { fs::remove_all(folder); }
+
+    std::string path(const std::string& name) const { return (folder / name).string(); }
+
+    void writeFile(const std::string& name, const std::string& text) const {
+        std::ofstream(path(name), std::ios::binary) << text;
+    }
+
+    void compilePackage(const std::string& name, const std::string& source) const {
+        writeFile(name + ".xml", source);
+        const Outcome outcome = run("compile " + name + ".xml -o " + name + ".kvpkg");
+        ASSERT_EQ(outcome.status, 0) << outcome.error;
+    }
+
+    // In the test's folder.
+    Outcome run(const std::string& arguments) const {
+        const std::string command = "cd \"" + folder.string() + "\" && \"" KVSUBSTANCE_TOOL "\" " +
+                                    arguments + " >stdout.txt 2>stderr.txt";
+        int status = std::system(command.c_str());
+#if !defined(_WIN32)
+        status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+#endif
+        return {status, readFile(folder / "stdout.txt"), readFile(folder / "stderr.txt")};
+    }
+
+    Pixels render(const std::string& arguments) const {
+        const Outcome outcome = run("render " + arguments + " -o rendered.png");
+        EXPECT_EQ(outcome.status, 0) << outcome.error;
+        return readPng(folder / "rendered.png");
+    }
+
+    int numTemporaries() const {
+        int count = 0;
+        for (const auto& entry : fs::directory_iterator(folder)) count += entry.path().extension() == ".tmp";
+        return count;
+    }
+
+    fs::path folder;
+};
+
+TEST_F(Tool, CompileReportsEveryErrorWithItsPlaceAndWritesNothing) {
+    writeFile("wrong.xml", "<package>\n  <graph url=\"pkg://w\">\n    <node name=\"a\" kind=\"unifrom\"/>\n"
+                           "    <output identifier=\"o\" node=\"b\"/>\n  </graph>\n</package>\n");
+    writeFile("old.kvpkg", "old");
+    const Outcome outcome = run("compile wrong.xml -o old.kvpkg");
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_NE(outcome.error.find("wrong.xml:3:"), std::string::npos) << outcome.error;
+    EXPECT_NE(outcome.error.find("wrong.xml:4:"), std::string::npos) << outcome.error;
+    EXPECT_EQ(readFile(folder / "old.kvpkg"), "old");
+}
+
+TEST_F(Tool, InfoTellsAllThatAPackageDescribes) {
+    const Outcome outcome = run("info bottom.kvpkg --json");
+    ASSERT_EQ(outcome.status, 0) << outcome.error;
+    const auto graph = nlohmann::json::parse(outcome.out)["graphs"][0];
+    std::string printed;
+    for (const auto& input : graph["inputs"])
+        printed += input["identifier"].get<std::string>() + " " + input["type"].get<std::string>() + " " +
+                   input["widget"].get<std::string>() + " " + input["default"].dump() + input["min"].dump() +
+                   input["max"].dump() + input["step"].dump() + input["alters"].dump() + "\n";
+    EXPECT_EQ(printed, "$resolution integer2  [4,4][][][][\"basecolor\",\"roughness\"]\n"
+                       "level float slider [0.5][0.0][1.0][0.1][\"basecolor\",\"roughness\"]\n"
+                       "look integer combobox [0][0][1][][\"basecolor\"]\n"
+                       "tint float3 color [1.0,0.0,0.0][0.0,0.0,0.0][1.0,1.0,1.0][][\"basecolor\"]\n");
+    EXPECT_EQ(graph["inputs"][2]["comboItems"][1], nlohmann::json::parse(R"({"value":1,"text":"Noisy"})"));
+    EXPECT_EQ(graph["outputs"][0]["format"], "srgb8");
+    EXPECT_EQ(graph["outputs"][1]["usage"], "roughness");
+    EXPECT_EQ(graph["presets"][0]["values"]["tint"], "0,0,1");
+
+    const std::string text = run("info bottom.kvpkg").out;
+    for (const char* const part :
+         {"\"Bottom\"", "0 to 1 by 0.1", "1 Noisy", "srgb8", "\"Blue\"", "tint = 0,0,1"})
+        EXPECT_NE(text.find(part), std::string::npos) << part << " in\n" << text;
+}
+
+TEST_F(Tool, RendersOnePackageOrTwo) {
+    const Pixels red = render("bottom.kvpkg --set level=0");
+    EXPECT_EQ(red.width, 16u);
+    ASSERT_EQ(red.rgba.size(), 16u * 16 * 4);
+    EXPECT_EQ(std::vector<unsigned char>(red.rgba.begin(), red.rgba.begin() + 4),
+              (std::vector<unsigned char>{255, 0, 0, 255}));
+
+    EXPECT_EQ(render("bottom.kvpkg top.kvpkg --set level=0").rgba, red.rgba);
+    EXPECT_EQ(render("bottom.kvpkg top.kvpkg --set amount=1").rgba,
+              std::vector<unsigned char>(16 * 16 * 4, 255));
+
+    const Pixels wide = render("bottom.kvpkg top.kvpkg --size 64x8");
+    EXPECT_EQ(wide.width, 64u);
+    EXPECT_EQ(wide.height, 8u);
+
+    // A measure is shown as it is, and another usage does not stand in for it.
+    EXPECT_EQ(render("bottom.kvpkg --channel roughness --set level=0.2").rgba[0], 51);
+    EXPECT_EQ(run("render bottom.kvpkg --channel glossiness -o none.png").status, 1);
+}
+
+TEST_F(Tool, ExplainsConnections) {
+    const Outcome outcome = run("render bottom.kvpkg top.kvpkg -o rendered.png --explain");
+    EXPECT_EQ(outcome.out, "1 connection from bottom.kvpkg to top.kvpkg\n"
+                           "  output     usage    feeds input  connected by\n"
+                           "  basecolor  diffuse  diffuse      \"diffuse\"\n"
+                           "  nothing feeds input height\n"
+                           "  input $resolution is one for both\n");
+}
+
+TEST_F(Tool, FailedRenderKeepsTheOldPictureAndLeavesNothingBehind) {
+    writeFile("rendered.png", "old");
+    writeFile("noise.kvpkg", "no package");
+    compilePackage("other", R"(<package><graph url="pkg://other"><node name="n" kind="uniform"/>
+                               <output identifier="Outptu" node="n"/></graph></package>)");
+    fs::create_directory(folder / "folder.png");
+    struct Case {
+        const char* arguments;
+        const char* message; // a part of it
+    };
+    for (const Case& example : {Case{"noise.kvpkg -o rendered.png", "noise.kvpkg: not a package"},
+                                Case{"bottom.xml -o rendered.png", "kvsubstance compile"},
+                                Case{"missing.kvpkg -o rendered.png", "missing.kvpkg: cannot be read"},
+                                Case{"bottom.kvpkg other.kvpkg -o rendered.png", "\"Outptu\""},
+                                Case{"bottom.kvpkg -o folder.png", "folder"},
+                                Case{"bottom.kvpkg -o nowhere/rendered.png", "nowhere"}}) {
+        const Outcome outcome = run(std::string("render ") + example.arguments);
+        EXPECT_EQ(outcome.status, 1) << example.arguments;
+        EXPECT_NE(outcome.error.find(example.message), std::string::npos) << outcome.error;
+        EXPECT_EQ(readFile(folder / "rendered.png"), "old") << example.arguments;
+    }
+    EXPECT_EQ(numTemporaries(), 0);
+}
+
+TEST_F(Tool, BadUsageHasAStatusOfItsOwn) {
+    for (const char* const arguments :
+         {"", "rendr", "render", "render bottom.kvpkg", "render bottom.kvpkg -o a.png --size 100",
+          "render bottom.kvpkg -o a.png --size 32768", "render bottom.kvpkg -o a.png --set level",
+          "render bottom.kvpkg -o a.png --channel roughnes",
+          "render bottom.kvpkg top.kvpkg -o a.png --channel roughness",
+          "sweep bottom.kvpkg --vary level=0..1 -o a", "sheet -o a.png"})
+        EXPECT_EQ(run(arguments).status, 2) << arguments;
+    for (const char* const command : {"", "compile", "info", "render", "sweep", "sheet", "describe"})
+        EXPECT_EQ(run(std::string(command) + " --help").status, 0) << command;
+}
+
+TEST_F(Tool, WrongValuesSayWhatIsExpected) {
+    struct Case {
+        const char* assignment;
+        const char* message; // a part of it
+    };
+    for (const Case& example : {Case{"levle=1", "\"level\""}, Case{"level=high", "expected a number"},
+                                Case{"level=2", "up to 1"}, Case{"tint=1,2", "3 numbers"},
+                                Case{"look=Noisi", "1 \"Noisy\""}, Case{"look=0.5", "whole number"}}) {
+        const Outcome outcome = run(std::string("render bottom.kvpkg -o a.png --set ") + example.assignment);
+        EXPECT_EQ(outcome.status, 1) << example.assignment;
+        EXPECT_NE(outcome.error.find(example.message), std::string::npos) << outcome.error;
+        EXPECT_FALSE(fs::exists(folder / "a.png"));
+    }
+    EXPECT_EQ(render("bottom.kvpkg --set look=noisy").rgba, render("bottom.kvpkg --set look=1").rgba);
+    EXPECT_EQ(render("bottom.kvpkg --set tint=#00ff00").rgba, render("bottom.kvpkg --set tint=0,1,0").rgba);
+}
+
+TEST_F(Tool, SavedStateGivesTheSamePixelsInAFreshProcess) {
+    const Pixels saved =
+        render("bottom.kvpkg top.kvpkg --set tint=0.1234567,0.7,0.3 --set level=0.3333333 --set look=1 "
+               "--size 32 --save-state state.txt");
+    const Pixels restored = render("bottom.kvpkg top.kvpkg --state state.txt");
+    EXPECT_EQ(restored.width, 32u);
+    EXPECT_EQ(restored.rgba, saved.rgba);
+    EXPECT_NE(render("bottom.kvpkg top.kvpkg").rgba, saved.rgba);
+
+    const Outcome foreign = run("render bottom.kvpkg --state state.txt -o a.png");
+    EXPECT_EQ(foreign.status, 1);
+    EXPECT_NE(foreign.error.find("state.txt:1:"), std::string::npos) << foreign.error;
+}
+
+TEST_F(Tool, PresetsOfBothPackages) {
+    EXPECT_EQ(render("bottom.kvpkg top.kvpkg --preset Blue").rgba,
+              render("bottom.kvpkg top.kvpkg --set tint=0,0,1").rgba);
+    // The top's system input is the bottom's too.
+    const Pixels snow = render("bottom.kvpkg top.kvpkg --preset top:Snow");
+    EXPECT_EQ(snow.width, 8u);
+    EXPECT_EQ(snow.rgba, std::vector<unsigned char>(8 * 8 * 4, 255));
+    EXPECT_NE(run("render bottom.kvpkg -o a.png --preset Bleu").error.find("\"Blue\""), std::string::npos);
+}
+
+TEST_F(Tool, SweepRendersAGridWithASheet) {
+    const Outcome outcome =
+        run("sweep bottom.kvpkg --vary level=0..1:2 --vary look=0..1:2 -o out/sweep --sheet sheet.png");
+    ASSERT_EQ(outcome.status, 0) << outcome.error;
+    EXPECT_EQ(readPng(folder / "out/sweep/3_level=1_look=0.png").rgba,
+              render("bottom.kvpkg --set level=1 --set look=0").rgba);
+    EXPECT_NE(outcome.out.find("4/4 "), std::string::npos) << outcome.out;
+    const Pixels sheet = readPng(folder / "sheet.png");
+    EXPECT_GT(sheet.width, 2 * 256u);
+    EXPECT_LT(sheet.width, 3 * 256u);
+
+    EXPECT_EQ(run("sheet rendered.png sheet.png -o both.png").status, 0);
+    EXPECT_GT(readPng(folder / "both.png").width, 2 * 256u);
+    EXPECT_EQ(run("sheet bottom.kvpkg -o none.png").status, 1);
+}
+
+TEST_F(Tool, DescribesTheHostsModel) {
+    const std::string start =
+        "<sbsdescription content=\"full\"><graphs count=\"1\"><graph pkgurl=\"pkg:/d\" "
+        "label=\"D\"><outputs><output uid=\"1\" identifier=\"o\" format=\"0\" width=\"64\" "
+        "height=\"32\" mipmaps=\"1\"/></outputs><inputs>";
+    const std::string end = "</inputs></graph></graphs></sbsdescription>";
+    writeFile("good.xml",
+              start +
+                  "<input uid=\"2\" identifier=\"i\" type=\"0\" default=\"0.1\" alteroutputs=\"1\">"
+                  "<inputgui widget=\"slider\" label=\"I\"><guislider min=\"0\" max=\"2\"/>"
+                  "</inputgui></input>" +
+                  end);
+    const Outcome good = run("describe good.xml --json");
+    ASSERT_EQ(good.status, 0) << good.error;
+    const auto input = nlohmann::json::parse(good.out)["inputs"][0];
+    EXPECT_EQ(input["default"].dump() + input["max"].dump() + input["alters"].dump(), "[0.1][2.0][\"o\"]");
+
+    writeFile("bad.xml", start + "<input uid=\"2\" identifier=\"i\"/>" + end);
+    const Outcome bad = run("describe bad.xml");
+    EXPECT_EQ(bad.status, 1);
+    EXPECT_NE(bad.error.find("input 1 needs the attribute \"type\""), std::string::npos) << bad.error;
+}
+
+#if !defined(_WIN32)
+TEST_F(Tool, OutputThatCannotBeWrittenIsAFailure) {
+    if (!fs::exists("/dev/full")) GTEST_SKIP() << "there is no device that is always full";
+    const std::string command = "cd \"" + folder.string() +
+                                "\" && \"" KVSUBSTANCE_TOOL "\" info bottom.kvpkg >/dev/full 2>stderr.txt";
+    EXPECT_EQ(WEXITSTATUS(std::system(command.c_str())), 1);
+}
+#endif
+
+} // namespace

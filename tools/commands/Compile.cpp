@@ -1,0 +1,47 @@
+// kvsubstance compile: an author's source becomes a package.
+
+#include "embedded/compiler/Compiler.h"
+#include "tools/AtomicFile.h"
+#include "tools/Failure.h"
+#include "tools/FileContent.h"
+#include "tools/commands/Commands.h"
+
+#include <iostream>
+#include <memory>
+
+namespace tool {
+namespace {
+
+struct Options {
+    std::string source;
+    std::string package;
+};
+
+int run(const Options& options) {
+    checkDestination(options.package);
+    const kv::vector<char> source = readFileContent(options.source);
+    const embedded::CompileResult result = embedded::compilePackage(asText(source));
+    for (const embedded::Diagnostic& diagnostic : result.diagnostics)
+        std::cerr << toString(diagnostic, options.source) << "\n";
+    if (result.package.empty()) return Failed;
+    const auto* const bytes = reinterpret_cast<const char*>(result.package.data());
+    writeFileAtomically(options.package, {bytes, result.package.size()});
+    return Succeeded;
+}
+
+} // namespace
+
+void addCompile(CLI::App& app, int& status) {
+    const auto options = std::make_shared<Options>();
+    CLI::App* const command =
+        app.add_subcommand("compile", "Check a package source and make a package of it");
+    command->add_option("SOURCE", options->source, "The source, an XML file")->type_name("")->required();
+    command->add_option("-o,--output", options->package, "The package to write")
+        ->type_name("PACKAGE")
+        ->required();
+    command->footer("Nothing is written when there are errors.\n"
+                    "Example: kvsubstance compile brick_wall.xml -o brick_wall.kvpkg");
+    command->callback([options, &status] { status = run(*options); });
+}
+
+} // namespace tool

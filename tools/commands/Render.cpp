@@ -1,0 +1,56 @@
+// kvsubstance render: one or two packages become a picture.
+
+#include "tools/AtomicFile.h"
+#include "tools/MaterialOptions.h"
+#include "tools/PngFile.h"
+#include "tools/Stacking.h"
+#include "tools/commands/Commands.h"
+
+#include <iostream>
+#include <memory>
+
+namespace tool {
+namespace {
+
+struct Options {
+    MaterialOptions material;
+    std::string picture;
+    std::string stateFile;
+    bool explains = false;
+};
+
+void saveState(kvSubstance::Substance& material, const std::string& path) {
+    const kvString::CString state = material.getStateString();
+    // The picture is that of the values as saved, whose floats have six decimals.
+    material.applyStateString(state);
+    writeFileAtomically(path, {state.asChar(), state.length()});
+}
+
+void run(const Options& options) {
+    checkDestination(options.picture);
+    if (!options.stateFile.empty()) checkDestination(options.stateFile);
+    PreparedMaterial prepared(options.material);
+    if (options.explains) explainStacking(std::cout, prepared.bottom(), prepared.top(), *prepared.material());
+    if (!options.stateFile.empty()) saveState(*prepared.material(), options.stateFile);
+    writePng(options.picture, prepared.render());
+}
+
+} // namespace
+
+void addRender(CLI::App& app, int&) {
+    const auto options = std::make_shared<Options>();
+    CLI::App* const command = app.add_subcommand("render", "Render a material to a PNG picture");
+    options->material.addTo(*command);
+    command->add_option("-o,--output", options->picture, "The picture to write")
+        ->type_name("FILE.png")
+        ->required();
+    command->add_option("--save-state", options->stateFile, "Write the material's values to this file")
+        ->type_name("FILE");
+    command->add_flag("--explain", options->explains,
+                      "Print which outputs feed which inputs, and by which name");
+    command->footer(
+        "Example: kvsubstance render brick_wall.kvpkg moss.kvpkg -o mossy.png --size 1024 --set amount=0.7");
+    command->callback([options] { run(*options); });
+}
+
+} // namespace tool

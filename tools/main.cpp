@@ -1,0 +1,63 @@
+// kvsubstance: makes packages, looks into them, and renders them.
+
+#include "tools/Failure.h"
+#include "tools/commands/Commands.h"
+
+#include <CLI/App.hpp>
+#include <CLI/Config.hpp>
+#include <CLI/Formatter.hpp>
+
+#include <csignal>
+#include <iostream>
+#include <new>
+
+namespace {
+
+int runCommandLine(int argc, char** argv) {
+    int status = tool::Succeeded;
+    CLI::App app("Makes material packages, looks into them, and renders them.", "kvsubstance");
+    app.require_subcommand(1);
+    app.footer("Exit status: 0 done, 1 failed, 2 the command line makes no sense.\n"
+               "\"kvsubstance COMMAND --help\" shows a command's options and an example.");
+    tool::addCompile(app, status);
+    tool::addInfo(app, status);
+    tool::addRender(app, status);
+    tool::addSweep(app, status);
+    tool::addSheet(app, status);
+    tool::addDescribe(app, status);
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::ParseError& error) {
+        if (error.get_exit_code() == 0) return app.exit(error); // help was asked for
+        const auto commands = app.get_subcommands();
+        throw tool::UsageError(std::string(error.what()) + "; see \"kvsubstance " +
+                               (commands.empty() ? "" : commands.front()->get_name() + " ") + "--help\"");
+    }
+    return status;
+}
+
+int report(const std::string& message, int status) {
+    std::cerr << "error: " << message << "\n";
+    return status;
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+#if !defined(_WIN32)
+    std::signal(SIGPIPE,
+                SIG_IGN); // a reader that goes away is an error of writing, not the end of the process
+#endif
+    try {
+        const int status = runCommandLine(argc, argv);
+        std::cout.flush();
+        if (!std::cout) return report("standard output: cannot be written", tool::Failed);
+        return status;
+    } catch (const tool::UsageError& error) {
+        return report(error.what(), tool::BadUsage);
+    } catch (const std::bad_alloc&) {
+        return report("there is not enough memory; try a smaller --size", tool::Failed);
+    } catch (const std::exception& error) {
+        return report(error.what(), tool::Failed);
+    }
+}
