@@ -49,7 +49,8 @@ void addRender(CLI::App& app, int&) {
     command->add_flag("--explain", options->explains,
                       "Print which outputs feed which inputs, and by which name");
     command->footer(
-        "Example: kvsubstance render brick_wall.kvpkg moss.kvpkg -o mossy.png --size 1024 --set amount=0.7");
+        "Example: kvsubstance render brick_wall.kvpkg moss_overgrowth.kvpkg -o mossy_wall.png --size 1024 "
+        "--set coverage=0.7");
     command->callback([options] { run(*options); });
 }
 

@@ -155,9 +155,9 @@ void addSweep(CLI::App& app, int&) {
         app.add_subcommand("sweep", "Render a picture for each of many values of one input, or of two");
     options->material.addTo(*command);
     command
-        .add_option("--vary", options->variations,
-                    "An input and its values, such as scale=1..8:5; a second --vary makes a grid, the first "
-                    "down and the second across")
+        ->add_option("--vary", options->variations,
+                     "An input and its values, such as scale=1..8:5; a second --vary makes a grid, the first "
+                     "down and the second across")
         ->type_name("IDENTIFIER=FROM..TO:STEPS")
         ->required()
         ->allow_extra_args(false);
