@@ -78,7 +78,6 @@ std::string shortened(const std::string& label, size_t length) {
 
 Picture makeThumbnail(const Picture& picture, int side) {
     const int longest = std::max(picture.width, picture.height);
-    if (longest <= side) return picture;
     const auto scaled = [&](int length) {
         return std::max(1, static_cast<int>(static_cast<long long>(length) * side / longest));
     };
@@ -87,10 +86,12 @@ Picture makeThumbnail(const Picture& picture, int side) {
         return static_cast<int>(static_cast<long long>(i) * from / to);
     };
     for (int y = 0; y < thumbnail.height; ++y)
-        for (int x = 0; x < thumbnail.width; ++x)
-            average(picture, edge(x, picture.width, thumbnail.width),
-                    edge(y, picture.height, thumbnail.height), edge(x + 1, picture.width, thumbnail.width),
-                    edge(y + 1, picture.height, thumbnail.height), thumbnail.pixel(x, y));
+        for (int x = 0; x < thumbnail.width; ++x) {
+            const int left = edge(x, picture.width, thumbnail.width);
+            const int top = edge(y, picture.height, thumbnail.height);
+            average(picture, left, top, std::max(left + 1, edge(x + 1, picture.width, thumbnail.width)),
+                    std::max(top + 1, edge(y + 1, picture.height, thumbnail.height)), thumbnail.pixel(x, y));
+        }
     return thumbnail;
 }
 

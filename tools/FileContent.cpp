@@ -15,6 +15,7 @@ kv::vector<char> readFileContent(const std::string& path) {
     std::error_code error;
     const fs::file_status status = fs::status(path, error);
     if (!fs::exists(status)) throw Failure(path + ": cannot be read: there is no such file");
+    if (fs::is_directory(status)) throw Failure(path + ": cannot be read: it is a folder");
     if (!fs::is_regular_file(status)) throw Failure(path + ": cannot be read: it is no ordinary file");
     // The library reads silently; opening the file here finds out what it would not tell.
     std::FILE* const file = std::fopen(path.c_str(), "rb");

@@ -47,8 +47,7 @@ void checkChannel(const MaterialOptions& options) {
     const std::vector<std::string> usages(names, names + SubstanceAir::ChannelUsageCount);
     if (std::find(usages.begin(), usages.end(), options.channel) == usages.end())
         throw UsageError("--channel " + options.channel + ": there is no such usage" +
-                         embedded::suggestion(options.channel, usages) + " \"kvsubstance info " +
-                         options.bottom + "\" shows which ones the package has");
+                         embedded::suggestion(options.channel, usages));
 }
 
 std::optional<std::pair<int, int>> checkOptions(const MaterialOptions& options) {
@@ -133,10 +132,13 @@ void PreparedMaterial::applyState(const std::string& path) {
     const kv::vector<char> content = readFileContent(path);
     const std::string_view text = asText(content);
     const std::string url = material()->getPackageURL().asChar();
-    const std::string_view header = text.substr(0, text.find('\n'));
-    if (header != url)
+    std::string header(text.substr(0, text.find('\n')));
+    if (header != url) {
+        for (char& c : header)
+            if (c < ' ' || c > '~') c = '?';
         throw Failure(path + ":1: the values are those of " + embedded::quoted(header.substr(0, 80)) +
                       ", but the material is " + embedded::quoted(url));
+    }
     material()->applyStateString(kvString::CString(text.data(), text.size()));
 }
 

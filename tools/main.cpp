@@ -1,5 +1,6 @@
 // kvsubstance: makes packages, looks into them, and renders them.
 
+#include "embedded/compiler/Suggestion.h"
 #include "tools/Failure.h"
 #include "tools/commands/Commands.h"
 
@@ -7,16 +8,19 @@
 #include <CLI/Config.hpp>
 #include <CLI/Formatter.hpp>
 
+#include <algorithm>
 #include <csignal>
 #include <iostream>
 #include <new>
+#include <string>
+#include <vector>
 
 namespace {
 
 int runCommandLine(int argc, char** argv) {
     int status = tool::Succeeded;
     CLI::App app("Makes material packages, looks into them, and renders them.", "kvsubstance");
-    app.require_subcommand(1);
+    app.require_subcommand(0, 1);
     app.footer("Exit status: 0 done, 1 failed, 2 the command line makes no sense.\n"
                "\"kvsubstance COMMAND --help\" shows a command's options and an example.");
     tool::addCompile(app, status);
@@ -25,13 +29,20 @@ int runCommandLine(int argc, char** argv) {
     tool::addSweep(app, status);
     tool::addSheet(app, status);
     tool::addDescribe(app, status);
+    std::vector<std::string> commands;
+    for (const CLI::App* const command : app.get_subcommands({})) commands.push_back(command->get_name());
+    const std::string first = argc > 1 ? argv[1] : "";
+    if (first.empty() ||
+        (first[0] != '-' && std::find(commands.begin(), commands.end(), first) == commands.end()))
+        throw tool::UsageError(
+            (first.empty() ? "a command is needed" : embedded::quoted(first) + " is no command") +
+            embedded::suggestion(first, commands));
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
         if (error.get_exit_code() == 0) return app.exit(error); // help was asked for
-        const auto commands = app.get_subcommands();
         throw tool::UsageError(std::string(error.what()) + "; see \"kvsubstance " +
-                               (commands.empty() ? "" : commands.front()->get_name() + " ") + "--help\"");
+                               (first[0] == '-' ? "" : first + " ") + "--help\"");
     }
     return status;
 }

@@ -162,8 +162,7 @@ unsigned int substanceContextInit(SubstanceContext** context, SubstanceDevice* d
     Call call("substanceContextInit");
     if (!device) call.refuse();
     *context = call.create<SubstanceContext>();
-    call.argument(state().name("context", *context));
-    call.argument(device ? "device" : "null");
+    call.print(state().name("context", *context), device ? "device" : "null");
     return call.end();
 }
 
@@ -171,8 +170,7 @@ unsigned int substanceContextSetCallback(SubstanceContext* context, unsigned int
                                          SubstanceCallback callback) {
     Call call("substanceContextSetCallback");
     SubstanceContext* const live = call.object(context);
-    call.argument(kind);
-    call.argument(callback ? "callback" : "null");
+    call.print(kind, callback ? "callback" : "null");
     if (kind != SubstanceCallbackOutputCompleted) call.refuse();
     if (call.ok()) live->completed = reinterpret_cast<SubstanceOutputCompletedCallback>(callback);
     return call.end();
@@ -193,8 +191,7 @@ unsigned int substanceContextRelease(SubstanceContext* context) {
 // A released context still takes its buffers back.
 unsigned int substanceContextMemoryFree(SubstanceContext* context, void* buffer) {
     Call call("substanceContextMemoryFree");
-    call.argument(state().name("context", context));
-    call.argument(state().bufferName(buffer));
+    call.print(state().name("context", context), state().bufferName(buffer));
     const auto found = state().buffers.find(buffer);
     if (found == state().buffers.end() || found->second.context != context) {
         call.refuse();
@@ -220,10 +217,7 @@ unsigned int substanceHandleInit(SubstanceHandle** handle, SubstanceContext* con
         (*handle)->context = known;
         (*handle)->program = state().script.hasDescription ? state().script.description : linked->second;
     }
-    call.argument(state().name("handle", *handle));
-    call.argument(contextName);
-    call.argument(show(assembly, size));
-    call.argument(flags);
+    call.print(state().name("handle", *handle), contextName, show(assembly, size), flags);
     return call.end();
 }
 
@@ -241,7 +235,7 @@ unsigned int substanceHandleGetInputDesc(SubstanceHandle* handle, unsigned int i
                                          SubstanceInputDesc* desc) {
     Call call("substanceHandleGetInputDesc");
     const SubstanceHandle* const live = call.object(handle);
-    call.argument(index);
+    call.print(index);
     *desc = {};
     const EngineInput* const input = live ? entry(live->program.inputs, index) : nullptr;
     if (!input) call.refuse();
@@ -253,7 +247,7 @@ unsigned int substanceHandleGetOutputDesc(SubstanceHandle* handle, unsigned int 
                                           SubstanceOutputDesc* desc) {
     Call call("substanceHandleGetOutputDesc");
     const SubstanceHandle* const live = call.object(handle);
-    call.argument(index);
+    call.print(index);
     *desc = {};
     const EngineOutput* const output = live ? entry(live->program.outputs, index) : nullptr;
     if (!output) call.refuse();
@@ -265,16 +259,14 @@ unsigned int substanceHandleGetOutputs(SubstanceHandle* handle, unsigned int fla
                                        unsigned int count, SubstanceTexture* texture) {
     Call call("substanceHandleGetOutputs");
     SubstanceHandle* const live = call.object(handle);
-    call.argument(flags);
-    call.argument(outputIndex);
-    call.argument(count);
+    call.print(flags, outputIndex, count);
     *texture = {};
     if (!live || flags != 0 || count != 1 || live->computed.count(outputIndex) == 0) call.refuse();
     if (call.ok()) {
         live->computed.erase(outputIndex);
         *texture = makeTexture(*live, outputIndex);
     }
-    call.argument(state().bufferName(texture->buffer));
+    call.print(state().bufferName(texture->buffer));
     return call.end();
 }
 
@@ -293,11 +285,8 @@ unsigned int substanceHandlePushSetInput(SubstanceHandle* handle, unsigned int f
     const EngineInput* const input = live ? entry(live->program.inputs, inputIndex) : nullptr;
     const bool fits = input && input->type == type && (value || type == SubstanceInputImage);
     const std::string shown = fits ? showValue(type, value) : "unread";
-    call.argument(flags);
-    call.argument(input ? indexName(inputIndex, input->uid) : std::to_string(inputIndex));
-    call.argument(typeName(type));
-    call.argument(shown);
-    call.argument(reserved);
+    call.print(flags, input ? indexName(inputIndex, input->uid) : std::to_string(inputIndex), typeName(type),
+               shown, reserved);
     if (!fits) call.refuse();
     if (call.ok() && flags == SubstancePushInput) live->values[inputIndex] = shown;
     return call.end();
@@ -311,10 +300,7 @@ unsigned int substanceHandlePushOutputs(SubstanceHandle* handle, unsigned int fl
     checkIdle(live, "substanceHandlePushOutputs");
     std::string names;
     for (unsigned int i = 0; i < count; ++i) names += (i ? " " : "") + state().uidName(outputUids[i]);
-    call.argument(flags);
-    call.argument("{" + names + "}");
-    call.argument(count);
-    call.argument(state().name("job", jobUserData));
+    call.print(flags, "{" + names + "}", count, state().name("job", jobUserData));
     if (flags != SubstancePushOutputUids && flags != SubstancePushOutputUidsHint) call.refuse();
     for (unsigned int i = 0; call.ok() && flags == SubstancePushOutputUids && i < count; ++i) {
         const int index = findOutputIndex(live->program, outputUids[i]);
@@ -333,7 +319,7 @@ unsigned int substanceHandleStart(SubstanceHandle* handle, unsigned int flags) {
     Call call("substanceHandleStart");
     SubstanceHandle* const live = call.object(handle);
     checkIdle(live, "substanceHandleStart");
-    call.argument(flags);
+    call.print(flags);
     Reports reports;
     if (call.ok()) reports = planReports(*live, state().script.completions);
     if (live) {

@@ -29,8 +29,7 @@ void removeUid(std::vector<T>& ports, unsigned int uid) {
 SubstanceLinkerHandle* beginUidPair(Call& call, SubstanceLinkerHandle* handle, const std::string& first,
                                     unsigned int second) {
     SubstanceLinkerHandle* const live = call.object(handle);
-    call.argument(first);
-    call.argument(state().uidName(second));
+    call.print(first, state().uidName(second));
     return call.ok() ? live : nullptr;
 }
 
@@ -43,9 +42,7 @@ unsigned int substanceLinkerContextInit(SubstanceLinkerContext** context, unsign
     Call call("substanceLinkerContextInit");
     if (apiVersion != SubstanceLinkerApiVersion || engineId != SubstanceLinkerEngineId) call.refuse();
     *context = call.create<SubstanceLinkerContext>();
-    call.argument(state().name("linker", *context));
-    call.argument(apiVersion);
-    call.argument(engineId);
+    call.print(state().name("linker", *context), apiVersion, engineId);
     return call.end();
 }
 
@@ -53,8 +50,7 @@ unsigned int substanceLinkerContextSetCallback(SubstanceLinkerContext* context, 
                                                SubstanceLinkerCallback callback) {
     Call call("substanceLinkerContextSetCallback");
     SubstanceLinkerContext* const live = call.object(context);
-    call.argument(kind);
-    call.argument(callback ? "callback" : "null");
+    call.print(kind, callback ? "callback" : "null");
     if (kind != SubstanceLinkerCallbackText && kind != SubstanceLinkerCallbackBytes) call.refuse();
     if (call.ok() && kind == SubstanceLinkerCallbackText)
         live->text = reinterpret_cast<SubstanceLinkerTextCallback>(callback);
@@ -81,8 +77,7 @@ unsigned int substanceLinkerHandleInit(SubstanceLinkerHandle** handle, Substance
     if (!known || known->released) call.refuse();
     *handle = call.create<SubstanceLinkerHandle>();
     if (*handle) (*handle)->context = known;
-    call.argument(state().name("link", *handle));
-    call.argument(contextName);
+    call.print(state().name("link", *handle), contextName);
     return call.end();
 }
 
@@ -90,8 +85,7 @@ unsigned int substanceLinkerHandlePushAssemblyMemory(SubstanceLinkerHandle* hand
                                                      size_t size) {
     Call call("substanceLinkerHandlePushAssemblyMemory");
     SubstanceLinkerHandle* const live = call.object(handle);
-    call.argument(show(data, size));
-    call.argument(size);
+    call.print(show(data, size), size);
     if (!live) return call.end();
 
     Package package;
@@ -131,9 +125,7 @@ unsigned int substanceLinkerHandleSetOutputFormat(SubstanceLinkerHandle* handle,
                                                   int format, unsigned int mipmaps) {
     Call call("substanceLinkerHandleSetOutputFormat");
     SubstanceLinkerHandle* const live = call.object(handle);
-    call.argument(state().uidName(outputUid));
-    call.argument(format);
-    call.argument(mipmaps);
+    call.print(state().uidName(outputUid), format, mipmaps);
     if (!call.ok()) return call.end();
     bool found = false;
     for (EngineOutput& output : live->program.outputs) {

@@ -159,7 +159,7 @@ public:
     // The object itself while it may be used, else null, and the call fails.
     template <class T>
     T* object(T* pointer) {
-        argument(state().name(T::kind, pointer));
+        print(state().name(T::kind, pointer));
         T* const known = state().objects(pointer).find(pointer);
         if (known && !known->released) return known;
         refuse();
@@ -173,10 +173,9 @@ public:
         return ok() ? state().objects(static_cast<T*>(nullptr)).create() : nullptr;
     }
 
-    template <class T>
-    void argument(const T& value) {
-        arguments << (first ? "" : ", ") << value;
-        first = false;
+    template <class... T>
+    void print(const T&... values) {
+        ((arguments << separator << values, separator = ", "), ...);
     }
     void refuse() { status = status ? status : 1; }
     bool ok() const { return status == 0; }
@@ -188,7 +187,7 @@ private:
     std::unique_lock<std::mutex> lock;
     const char* function;
     std::ostringstream arguments;
-    bool first = true;
+    const char* separator = "";
     unsigned int status = 0;
 };
 

@@ -13,6 +13,7 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <cstdio>
 #include <filesystem>
 #include <memory>
 #include <tuple>
@@ -81,16 +82,21 @@ Variation makeVariation(const VariationText& text, const kvSubstance::Substance&
     return variation;
 }
 
-// Such as: tint=0.25,0.5,1
+// Such as: scale=2.5, tint=#80ff00
 std::string labelOf(const Variation& variation, const embedded::Value& value) {
-    std::string label = variation.input->getIdentifier().asChar();
+    const bool isColour = variation.input->getWidget() == kvSubstance::WidgetColor;
+    std::string label = std::string(variation.input->getIdentifier().asChar()) + (isColour ? "=#" : "=");
     for (int i = 0; i < embedded::componentCount(value.type); ++i) {
         char text[32];
         const double number = embedded::component(value, i);
-        const char* const end =
-            std::to_chars(text, text + sizeof text, number, std::chars_format::general, 4).ptr;
-        label += i ? "," : "=";
-        label.append(text, static_cast<size_t>(end - text));
+        if (isColour) {
+            std::snprintf(text, sizeof text, "%02x",
+                          static_cast<unsigned>(std::lround(std::clamp(number, 0.0, 1.0) * 255)));
+        } else {
+            if (i) label += ",";
+            *std::to_chars(text, text + sizeof text - 1, number, std::chars_format::general, 4).ptr = '\0';
+        }
+        label += text;
     }
     return label;
 }

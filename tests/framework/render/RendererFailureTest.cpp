@@ -131,14 +131,15 @@ TEST_F(RendererTest, CallbacksOfAnyThreadInAnyOrderReachTheirOutputs) {
     const TestPackage package("p");
     TestGraph graph(package);
     for (const Caller caller : {Caller::StartingThread, Caller::OneThread, Caller::ThreadEach})
-        for (const bool reversed : {false, true}) {
-            recording::reset();
-            recording::setCompletions({caller, reversed});
-            graph.output().dirty = graph.height().dirty = true;
-            render({&graph});
-            EXPECT_EQ(recording::liveTextures(), 2u);
-            EXPECT_EQ(graph.take(), "Output 1; height 1; ");
-        }
+        for (const bool reversed : {false, true})
+            for (const unsigned int repeats : {1u, 2u}) {
+                recording::reset();
+                recording::setCompletions({caller, reversed, repeats});
+                graph.output().dirty = graph.height().dirty = true;
+                render({&graph});
+                EXPECT_EQ(recording::liveTextures(), 2u);
+                EXPECT_EQ(graph.take(), "Output 1; height 1; ");
+            }
 }
 
 TEST_F(RendererTest, CallbacksThatNobodyAskedForDoNothing) {

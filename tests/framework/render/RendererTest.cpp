@@ -165,12 +165,13 @@ TEST_F(RendererTest, TheEnginesOwnListOfInputsCounts) {
     TestGraph graph(package);
     const unsigned int amount = graph.amount().desc.uid;
     recording::reset();
-    recording::setEngineDescription({{graph.picture().desc.uid, Image}, {amount, Float}, {amount, Float}},
+    const unsigned int picture = graph.picture().desc.uid;
+    recording::setEngineDescription({{picture, Image}, {picture, Image}, {amount, Float}, {amount, Float}},
                                     {{graph.height().desc.uid, 0, 1}});
     render({&graph});
     EXPECT_EQ(linesWith(recording::takeTrace(), {"SetInput(handle1, 0,", "outputCompleted"}),
               R"(substanceHandlePushSetInput(handle1, 0, 0:p.picture, Image, null, 0)
-substanceHandlePushSetInput(handle1, 0, 1:p.amount, Float, 0.5, 0)
+substanceHandlePushSetInput(handle1, 0, 2:p.amount, Float, 0.5, 0)
 outputCompleted(handle1, 0:p.height, job1)
 )");
     EXPECT_EQ(graph.height().grabResult()->texture.level0Width, 4);
