@@ -17,6 +17,17 @@
 
 namespace {
 
+// Says more than the parser would of a command that is missing or misspelled.
+void checkCommand(const CLI::App& app, const std::string& name) {
+    if (!name.empty() && name[0] == '-') return;
+    std::vector<std::string> commands;
+    for (const CLI::App* const command : app.get_subcommands({})) commands.push_back(command->get_name());
+    if (std::find(commands.begin(), commands.end(), name) != commands.end()) return;
+    throw tool::UsageError(
+        (name.empty() ? "a command is needed" : embedded::quoted(name) + " is no command") +
+        embedded::suggestion(name, commands));
+}
+
 int runCommandLine(int argc, char** argv) {
     int status = tool::Succeeded;
     CLI::App app("Makes material packages, looks into them, and renders them.", "kvsubstance");
@@ -29,14 +40,8 @@ int runCommandLine(int argc, char** argv) {
     tool::addSweep(app, status);
     tool::addSheet(app, status);
     tool::addDescribe(app, status);
-    std::vector<std::string> commands;
-    for (const CLI::App* const command : app.get_subcommands({})) commands.push_back(command->get_name());
     const std::string first = argc > 1 ? argv[1] : "";
-    if (first.empty() ||
-        (first[0] != '-' && std::find(commands.begin(), commands.end(), first) == commands.end()))
-        throw tool::UsageError(
-            (first.empty() ? "a command is needed" : embedded::quoted(first) + " is no command") +
-            embedded::suggestion(first, commands));
+    checkCommand(app, first);
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {

@@ -177,26 +177,4 @@ TEST_F(TraceTest, FailedLinkThenAGoodCall) {
                                           firstRun);
 }
 
-TEST_F(TraceTest, OnlyEightBitColourBecomesAnImage) {
-    const auto material = makeMaterial();
-    recording::Texture texture{256, 128};
-    texture.pixels = {1, 2, 3, 4, 5};
-    recording::setTexture(texture);
-    const auto image = kvSubstance::getTextureFromSubstance(material.get());
-    ASSERT_TRUE(image);
-    EXPECT_EQ(image->getSize().x, 256);
-    EXPECT_EQ(image->getSize().y, 128);
-    EXPECT_EQ(image->getSize().c, 4);
-    EXPECT_EQ(image->getBytes()[256 * 128 * 4 - 1], 1 + (256 * 128 * 4 - 1) % 5);
-
-    texture.format = 1;
-    recording::setTexture(texture);
-    setValue(material, "amount", 0.75f);
-    EXPECT_EQ(kvSubstance::getTextureFromSubstance(material.get()).get(), image.get());
-    texture.format = SubstanceFormatSrgb;
-    recording::setTexture(texture);
-    setValue(material, "amount", 1);
-    EXPECT_NE(kvSubstance::getTextureFromSubstance(material.get()).get(), image.get());
-}
-
 } // namespace
