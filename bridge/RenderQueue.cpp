@@ -31,9 +31,8 @@ bool RenderQueue::handOver() {
     const SubstanceAir::RendererAccess renderer;
     if (!renderer) return false;
     while (!jobs.empty()) {
-        auto job = std::move(jobs.front());
+        renderer->pushJob(std::move(jobs.front())); // which leaves the job here when memory runs out
         jobs.pop_front();
-        renderer->pushJob(std::move(job));
     }
     return true;
 }

@@ -32,7 +32,12 @@ Image harvest(const GraphInstances& graphs) {
         for (const auto& output : graph->outputs) {
             const std::unique_ptr<SubstanceAir::RenderResult> result = output->grabResult();
             if (!result || output->desc.identifier != TextureOutput) continue;
-            if (Image image = toImage(result->texture)) return image;
+            try {
+                if (Image image = toImage(result->texture)) return image;
+            } catch (...) {
+                output->dirty = true; // the result is lost with the image: the next call renders it again
+                throw;
+            }
         }
     }
     return {};

@@ -127,4 +127,9 @@ SubstanceInput& requireInput(const kvSubstance::Substance& material, const std::
                   embedded::suggestion(identifier, identifiers));
 }
 
+bool isAmbiguous(const kvSubstance::Substance& material, const std::string& identifier) {
+    const auto& ids = material.getInputIds();
+    return std::count(ids.begin(), ids.end(), kvString::CString(identifier.c_str())) > 1;
+}
+
 } // namespace tool

@@ -27,4 +27,8 @@ void setInputValue(const kv::Reference<kvSubstance::Substance>& material, kvSubs
 kvSubstance::SubstanceInput& requireInput(const kvSubstance::Substance& material,
                                           const std::string& identifier, const std::string& place);
 
+// Whether both packages brought an input of that identifier. The library carries values to the engine's side
+// by identifier, and reaches only one of the two.
+bool isAmbiguous(const kvSubstance::Substance& material, const std::string& identifier);
+
 } // namespace tool

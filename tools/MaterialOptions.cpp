@@ -108,6 +108,10 @@ PreparedMaterial::PreparedMaterial(const MaterialOptions& options)
     for (const std::string& assignment : options.assignments) {
         const auto [identifier, text] = splitAssignment(assignment, "--set", "");
         kvSubstance::SubstanceInput& input = requireInput(*material(), identifier, "--set " + identifier);
+        if (isAmbiguous(*material(), identifier))
+            std::cerr << "note: --set " << identifier
+                      << ": both packages have an input of that name, and only one "
+                         "of them is set\n";
         setInputValue(material(), input, parseInputValue(input, text, "--set " + identifier));
     }
     if (resolution && !session.setResolution(resolution->first, resolution->second))

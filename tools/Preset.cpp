@@ -84,9 +84,9 @@ std::vector<std::string> applyPreset(const std::string& name, const PackageFile&
     for (const PresetInputValue& value : choosePreset(name, bottom, top).inputValues) {
         const std::string reason = applyValue(value, material);
         if (reason.empty()) continue;
-        const std::string input =
-            value.identifier.empty() ? "uid " + std::to_string(value.uid) : value.identifier;
-        leftOut.push_back("--preset " + name + ": left out " + input + ": " + reason);
+        std::string remark = "--preset " + name + ": left out ";
+        remark += value.identifier.empty() ? "uid " + std::to_string(value.uid) : value.identifier;
+        leftOut.push_back(remark.append(": ").append(reason));
     }
     return leftOut;
 }

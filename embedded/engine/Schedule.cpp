@@ -57,6 +57,7 @@ std::uint64_t peakOf(const Program& program, const Schedule& schedule) {
         held += sizes[step.node];
         for (const std::size_t released : step.released) held -= sizes[released];
         held += step.outputs.size() * bytesOf(step.resolved, 4) / 2; // textures wait to be fetched
+        peak = std::max(peak, held);
     }
     return peak;
 }

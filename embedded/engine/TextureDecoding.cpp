@@ -5,6 +5,7 @@
 #include "embedded/program/PixelFormat.h"
 
 #include <array>
+#include <cstring>
 
 namespace embedded {
 namespace {

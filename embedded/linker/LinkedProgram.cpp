@@ -5,9 +5,10 @@
 #include "embedded/program/Verifier.h"
 
 #include <algorithm>
+#include <map>
 #include <string_view>
-#include <unordered_map>
 #include <unordered_set>
+#include <utility>
 
 namespace embedded {
 
@@ -48,17 +49,14 @@ void redirect(Program& program, std::size_t from, std::size_t to) {
 void uniteInputs(Program& program, const std::vector<bool>& removed) {
     std::vector<std::int32_t> newIndex(program.inputs.size());
     std::vector<ProgramInput> kept;
-    std::unordered_map<std::uint32_t, std::size_t> firstOfUid;
+    std::map<std::pair<std::uint32_t, ValueType>, std::int32_t> firstOfKey;
     for (std::size_t i = 0; i < program.inputs.size(); ++i) {
         if (removed[i]) continue;
         const ProgramInput& input = program.inputs[i];
-        const auto [first, isNew] = firstOfUid.emplace(input.uid, i);
-        if (!isNew && program.inputs[first->second].type == input.type) {
-            newIndex[i] = newIndex[first->second];
-        } else {
-            newIndex[i] = static_cast<std::int32_t>(kept.size());
-            kept.push_back(input);
-        }
+        const auto next = static_cast<std::int32_t>(kept.size());
+        const auto [first, isNew] = firstOfKey.emplace(std::make_pair(input.uid, input.type), next);
+        if (isNew) kept.push_back(input);
+        newIndex[i] = first->second;
     }
     for (ProgramNode& node : program.nodes)
         forEachBinding(node, [&](Binding& binding) {
@@ -133,11 +131,12 @@ std::optional<std::size_t> LinkedProgram::findInput(std::uint32_t uid, std::size
     return std::nullopt;
 }
 
+// The first output of the uid has the most programs after it.
 bool LinkedProgram::connect(std::uint32_t inputUid, std::uint32_t outputUid) {
     for (std::size_t i = 0; i < merged.outputs.size(); ++i) {
         if (merged.outputs[i].uid != outputUid) continue;
-        if (const auto input = findInput(inputUid, 0, outputPart[i] + 1))
-            return feed(*input, merged.outputs[i].node);
+        const auto input = findInput(inputUid, 0, outputPart[i] + 1);
+        return input && feed(*input, merged.outputs[i].node);
     }
     return false;
 }
@@ -166,7 +165,8 @@ bool LinkedProgram::feed(std::size_t input, std::int32_t source) {
 bool LinkedProgram::fuse(std::uint32_t firstUid, std::uint32_t secondUid) {
     const auto first = findInput(firstUid, 0, 0);
     if (!first) return false;
-    auto second = findInput(secondUid, 0, 0);
+    auto second = findInput(secondUid, 0, inputOrigins[*first].part + 1);
+    if (!second) second = findInput(secondUid, 0, 0);
     if (second == first) second = findInput(secondUid, *first + 1, 0);
     if (!second || merged.inputs[*first].type != merged.inputs[*second].type) return false;
     redirect(merged, *second, *first);

@@ -26,6 +26,7 @@ public:
     bool connect(std::uint32_t inputUid, std::uint32_t outputUid);
 
     // Makes the first input drive what the second one drove; the second disappears. They have the same type.
+    // The second is looked for in the programs after the first's before it is in any other.
     bool fuse(std::uint32_t firstUid, std::uint32_t secondUid);
 
     // The whole so far, or nothing if there is none. Inputs that share uid and type, as those of a graph

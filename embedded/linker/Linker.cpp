@@ -7,6 +7,8 @@
 
 #include <algorithm>
 #include <memory>
+#include <new>
+#include <optional>
 #include <vector>
 
 struct SubstanceLinkerHandle_ {
@@ -70,8 +72,12 @@ void deliver(SubstanceLinkerHandle& handle, const Package& package) {
 }
 
 bool push(SubstanceLinkerHandle& handle, const void* data, std::size_t size) {
-    handle.failed = true; // until all has gone well; an earlier failure is not forgiven below
-    const auto pushed = readPushed(data, size);
+    std::optional<Pushed> pushed;
+    try {
+        pushed = readPushed(data, size);
+    } catch (const std::bad_alloc&) {
+        // Too large to be read: the callbacks still hear of it.
+    }
     deliver(handle, pushed ? pushed->package : Package());
     return pushed && handle.program.append(pushed->program);
 }
@@ -128,12 +134,9 @@ unsigned int substanceLinkerHandleInit(SubstanceLinkerHandle** handle, Substance
 unsigned int substanceLinkerHandlePushAssemblyMemory(SubstanceLinkerHandle* handle, const void* data,
                                                      size_t size) {
     if (!handle) return failure;
-    return guarded([&] {
-        const bool failedBefore = handle->failed;
-        if (!push(*handle, data, size)) return false;
-        handle->failed = failedBefore;
-        return true;
-    });
+    const unsigned int status = guarded([&] { return push(*handle, data, size); });
+    if (status != success) handle->failed = true;
+    return status;
 }
 
 unsigned int substanceLinkerHandleSetOutputFormat(SubstanceLinkerHandle* handle, unsigned int outputUid,

@@ -52,7 +52,9 @@ struct ProgramOutput {
 };
 
 // Nodes stand in an order in which sources come first, so a program cannot be cyclic. Uids of inputs and outputs
-// may repeat in linked programs (a graph stacked on itself); the first one counts.
+// may repeat; the engine goes by the first one. Where programs are linked that share uids, as those of a graph
+// stacked on itself do, the linker lets inputs of one uid and type become one, and keeps the last output of a
+// uid, the one on top of the stack. So what it links repeats a uid only among inputs of different types.
 struct Program {
     std::uint32_t uid = 0;
     std::vector<ProgramInput> inputs;

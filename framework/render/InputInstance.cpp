@@ -63,14 +63,12 @@ InputInstanceBase::InputInstanceBase(const InputDescBase& description, GraphInst
 
 template <class Assign>
 void InputInstanceBase::change(const Assign& assign) {
-    if (isStateKey) {
-        const std::vector<unsigned char> oldBytes = graph.keyBytes();
-        assign();
-        updateStateKey(graph, oldBytes, graph.keyBytes());
-    } else {
-        assign();
-    }
+    const std::vector<unsigned char> oldBytes = isStateKey ? graph.keyBytes() : std::vector<unsigned char>();
+    assign();
     for (const unsigned int uid : desc.alteredOutputUids) markDirty(graph, uid);
+    // Last, because memory may run out in it: a state that keeps its old key costs another state, whereas an
+    // output that was not marked would never be rendered with the new value.
+    if (isStateKey) updateStateKey(graph, oldBytes, graph.keyBytes());
 }
 
 template <class T>

@@ -75,6 +75,16 @@ void completeOutput(SubstanceHandle* handle, unsigned int outputIndex, RenderJob
         markFailed(job.outcomes[position]);
 }
 
+void dropDelivered(RenderJob& job) {
+    size_t kept = 0;
+    for (size_t i = 0; i < job.outputs.size(); ++i) {
+        const bool isDelivered = i < job.outcomes.size() && job.outcomes[i] == OutputOutcome::Delivered;
+        if (!isDelivered) job.outputs[kept++] = job.outputs[i];
+    }
+    job.outputs.resize(kept);
+    job.outcomes.clear();
+}
+
 void settleOutputs(const RenderJob& job) {
     for (size_t i = 0; i < job.outcomes.size(); ++i)
         if (job.outcomes[i] == OutputOutcome::Failed) job.outputs[i]->dirty = true;

@@ -17,6 +17,10 @@ void awaitOutputs(RenderJob& job, const std::shared_ptr<const void>& engineConte
 // more than once. An output that the job did not ask for is passed over. Throws nothing.
 void completeOutput(SubstanceHandle* handle, unsigned int outputIndex, RenderJob& job) noexcept;
 
+// When the engine has failed: outputs whose texture has come all the same leave the job, which will run
+// again. They would have it twice, and hosts, who take the oldest, would see old pictures from then on.
+void dropDelivered(RenderJob& job);
+
 // When the engine is done: outputs whose texture could not be had become dirty again.
 void settleOutputs(const RenderJob& job);
 

@@ -38,7 +38,7 @@ struct RenderJob : private boost::noncopyable {
 // when the graph belongs to no package (its outputs then stay dirty).
 std::unique_ptr<RenderJob> makeRenderJob(GraphInstance& graph);
 
-// For a job that will not be rendered: its outputs become dirty again.
+// For a job that is not rendered, or not with all its inputs: its outputs become dirty again.
 void returnOutputs(const RenderJob& job);
 
 // Puts the job's inputs and outputs in the order of their uids.

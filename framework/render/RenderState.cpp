@@ -30,12 +30,19 @@ const void* valuePointer(const InputValueSnapshot& input) {
     return texture;
 }
 
+// Jobs without outputs have nothing to render.
+void dropEmpty(std::vector<std::unique_ptr<RenderJob>>& jobs) {
+    const auto isEmpty = [](const auto& job) { return job->outputs.empty(); };
+    jobs.erase(std::remove_if(jobs.begin(), jobs.end(), isEmpty), jobs.end());
+}
+
 } // namespace
 
 // ---- Jobs from the host's threads
 
 bool RenderState::accepts(const RenderJob& job) const {
-    return keys.empty() || keys.front() == StateKey{job.packageUid, job.keyBytes};
+    if (keys.empty()) return true;
+    return keys.front().packageUid == job.packageUid && keys.front().bytes == job.keyBytes;
 }
 
 bool RenderState::matches(const RenderJob& job) const {
@@ -43,21 +50,26 @@ bool RenderState::matches(const RenderJob& job) const {
     return accepts(job);
 }
 
-bool RenderState::push(std::unique_ptr<RenderJob> job) {
+bool RenderState::push(std::unique_ptr<RenderJob>&& job) {
     const Lock lock(mutex);
-    if (!accepts(*job)) return false;
-    graphs.insert(job->graphIdentity);
+    if (!accepts(*job)) {
+        job.reset();
+        return false;
+    }
+    // The key first: a state that serves a graph has one, also when memory runs out in between.
     const StateKey key{job->packageUid, job->keyBytes};
     if (std::find(keys.begin(), keys.end(), key) == keys.end()) keys.push_back(key);
+    graphs.insert(job->graphIdentity);
     sortByUid(*job);
-    enqueue(std::move(job));
+    enqueue(job);
     return true;
 }
 
-void RenderState::enqueue(std::unique_ptr<RenderJob> job) {
+void RenderState::enqueue(std::unique_ptr<RenderJob>& job) {
     for (const auto& waiting : pending) {
         if (waiting->packageUid != job->packageUid) continue;
         mergeInto(*waiting, *job);
+        job.reset();
         return;
     }
     pending.push_back(std::move(job));
@@ -88,9 +100,7 @@ void RenderState::forgetOutputs(const std::vector<std::unique_ptr<OutputInstance
     for (const auto& job : pending)
         job->outputs.erase(std::remove_if(job->outputs.begin(), job->outputs.end(), isDying),
                            job->outputs.end());
-    pending.erase(
-        std::remove_if(pending.begin(), pending.end(), [](const auto& job) { return job->outputs.empty(); }),
-        pending.end());
+    dropEmpty(pending);
 }
 
 // ---- The handle
@@ -224,15 +234,20 @@ void RenderState::pushHints() {
     }
 }
 
-// Whether any was pushed.
+// Whether any was pushed. When one is refused the job is rendered without it, and its outputs are out of date
+// all the same: the next job tries again.
 bool RenderState::pushChangedInputs(const RenderJob& job) {
     bool isChanged = false;
     for (const InputValueSnapshot& input : job.inputs) {
+        if (engineInputs.count(input.uid) == 0) continue;
         const auto last = lastPushed.find(input.uid);
         if (last != lastPushed.end() && last->second.value == input.value) continue;
         // Forgotten first: after a failure nobody knows what the handle holds.
         if (last != lastPushed.end()) lastPushed.erase(last);
-        if (!pushInput(input, SubstancePushInput)) continue;
+        if (!pushInput(input, SubstancePushInput)) {
+            returnOutputs(job);
+            continue;
+        }
         pushedNow.push_back(input.uid);
         lastPushed.emplace(input.uid, input);
         isChanged = true;
@@ -263,12 +278,23 @@ void RenderState::putBack() {
     if (isStartDue)
         handle.reset(); // it holds the addresses of jobs, which may die before they are pushed again
     isStartDue = false;
-    for (const auto& job : current) job->engineContext.reset();
+    for (const auto& job : current) {
+        dropDelivered(*job);
+        job->engineContext.reset();
+    }
+    dropEmpty(current);
     std::reverse(current.begin(), current.end());
 
     const Lock lock(mutex);
+    if (current.empty()) return; // none was taken, or all is delivered
     current.swap(pending);
-    for (auto& newer : current) enqueue(std::move(newer));
+    for (auto& newer : current) {
+        try {
+            enqueue(newer);
+        } catch (...) {
+            returnOutputs(*newer);
+        }
+    }
 }
 
 } // namespace SubstanceAir

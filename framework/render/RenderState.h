@@ -31,8 +31,8 @@ public:
     bool matches(const RenderJob& job) const;
 
     // Takes the job, or destroys it and returns false when it does not match. A job that joins a waiting one
-    // of its package is merged into it.
-    bool push(std::unique_ptr<RenderJob> job);
+    // of its package is merged into it. When it throws the job is still the caller's.
+    bool push(std::unique_ptr<RenderJob>&& job);
 
     // Links and initialises on first use, pushes what changed, and starts the engine. A failure of the linker
     // or the engine leaves the jobs waiting for the next run. Does nothing unless there are both contexts.
@@ -56,7 +56,7 @@ private:
     using EngineInputs = std::map<unsigned int, SubstanceInputDesc>; // by input uid
 
     bool accepts(const RenderJob& job) const;
-    void enqueue(std::unique_ptr<RenderJob> job);
+    void enqueue(std::unique_ptr<RenderJob>& job); // takes the job, unless it throws
 
     bool makeHandle(SubstanceLinkerContext* linkerContext, SubstanceContext* engineContext,
                     const PackageRegistry& packages);
@@ -75,20 +75,19 @@ private:
     bool pushOutputs(RenderJob& job, unsigned int flags);
     void putBack();
 
-    // Shared between the host's threads and the render thread.
-    mutable boost::mutex mutex;
-    std::vector<StateKey> keys;
-    std::set<std::uint64_t> graphs;                  // whose jobs were pushed into this state
-    std::vector<std::unique_ptr<RenderJob>> pending; // for the next run
-
-    // The render thread's.
+    // The keys, the graphs and the pending jobs are shared between the host's threads and the render thread,
+    // under the mutex. The rest is the render thread's.
     HandleOwner handle;
     std::vector<unsigned char> assembly; // empty until linked
-    EngineInputs engineInputs;
+    std::vector<StateKey> keys;
+    std::set<std::uint64_t> graphs;                        // whose jobs were pushed into this state
     std::map<unsigned int, InputValueSnapshot> lastPushed; // what the handle holds, by input uid
-    std::vector<unsigned int> pushedNow;                   // the inputs pushed by the run in progress
-    bool isStartDue = false;                         // outputs were pushed, and the engine holds their jobs
-    std::vector<std::unique_ptr<RenderJob>> current; // of the run in progress
+    std::vector<std::unique_ptr<RenderJob>> pending;       // for the next run
+    std::vector<std::unique_ptr<RenderJob>> current;       // of the run in progress
+    EngineInputs engineInputs;
+    std::vector<unsigned int> pushedNow; // the inputs pushed by the run in progress
+    bool isStartDue = false;             // outputs were pushed, and the engine holds their jobs
+    mutable boost::mutex mutex;
 };
 
 } // namespace SubstanceAir

@@ -8,6 +8,10 @@ namespace {
 
 using Lock = boost::unique_lock<boost::mutex>;
 
+// Callers may be Boost threads that somebody interrupts: a render is not left half way, and a queue's
+// destructor throws nothing.
+using Uninterrupted = boost::this_thread::disable_interruption;
+
 // False when the thread is to end.
 bool waitForRequest(ProcessObjects& objects) {
     Lock lock(objects.rendererMutex);
@@ -69,6 +73,7 @@ void requestRender() {
 void waitRenderDone() {
     ProcessObjects* const objects = processObjects();
     if (!objects) return;
+    const Uninterrupted uninterrupted;
     Lock lock(objects->rendererMutex);
     while (objects->pending) objects->done.wait(lock);
 }
@@ -84,6 +89,7 @@ void stopRenderThread() {
         objects->wake.notify_one();
         ending.swap(objects->worker);
     }
+    const Uninterrupted uninterrupted;
     ending.join(); // outside the mutex, which the thread needs to end
 }
 

@@ -44,7 +44,7 @@ bool RendererImpl::isPackageUidTaken(unsigned int uid) const {
                        [uid](const auto& state) { return state->hasPackage(uid); });
 }
 
-void RendererImpl::pushJob(std::unique_ptr<RenderJob> job) {
+void RendererImpl::pushJob(std::unique_ptr<RenderJob>&& job) {
     const Lock lock(statesMutex);
     auto state =
         std::find_if(states.begin(), states.end(), [&job](const auto& each) { return each->matches(*job); });

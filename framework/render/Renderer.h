@@ -36,8 +36,9 @@ public:
     void forgetPackage(const PackageDesc& package);   // its key stays, and leads to nothing
     bool isPackageUidTaken(unsigned int uid) const;   // by a package, or by the key of a state
 
-    // Hands the job to the first state whose key it matches, or to a new one.
-    void pushJob(std::unique_ptr<RenderJob> job);
+    // Hands the job to the first state whose key it matches, or to a new one. When it throws the job is still
+    // the caller's.
+    void pushJob(std::unique_ptr<RenderJob>&& job);
 
     void runAll();
 

@@ -18,8 +18,9 @@ systemInputs(const std::vector<std::unique_ptr<InputDescBase>>& inputs) {
 }
 
 void fuse(StackInputs& joined, InputDescBase& bottomInput, const InputDescBase& topInput) {
-    if (!joined.fusedUids.emplace(topInput.uid, bottomInput.uid).second) return;
-    joined.fusedPairs.emplace_back(bottomInput.uid, topInput.uid);
+    const auto [known, isNew] = joined.fusedUids.emplace(topInput.uid, bottomInput.uid);
+    if (isNew || known->second != bottomInput.uid)
+        joined.fusedPairs.emplace_back(bottomInput.uid, topInput.uid);
     bottomInput.alteredOutputUids.insert(bottomInput.alteredOutputUids.end(),
                                          topInput.alteredOutputUids.begin(),
                                          topInput.alteredOutputUids.end());

@@ -14,6 +14,11 @@ inline std::string inputTag(const std::string& identifier, int type, const std::
            "' type='" + std::to_string(type) + "' default='" + defaultValue + "' ";
 }
 
+inline std::string outputTag(unsigned int uid, const std::string& identifier, int format = 0) {
+    return "<output uid='" + std::to_string(uid) + "' identifier='" + identifier + "' format='" +
+           std::to_string(format) + "' mipmaps='1'/>";
+}
+
 // A package of one graph, with the "output" and "input" elements given.
 inline kv::vector<char> packageOf(const std::string& tag, const std::string& outputs,
                                   const std::string& inputs) {
@@ -25,9 +30,9 @@ inline kv::vector<char> packageOf(const std::string& tag, const std::string& out
     return kv::vector<char>(bytes.begin(), bytes.end());
 }
 
-inline std::string outputTag(unsigned int uid, const std::string& identifier, int format = 0) {
-    return "<output uid='" + std::to_string(uid) + "' identifier='" + identifier + "' format='" +
-           std::to_string(format) + "' mipmaps='1'/>";
+// A bottom of one output without inputs.
+inline kv::vector<char> plainPackage() {
+    return packageOf("bottom", outputTag(recording::freshUids(1), "x"), "");
 }
 
 } // namespace kvSubstance

@@ -1,10 +1,10 @@
-// Materials as text, to be compared whole, and listeners to count with.
+// Inputs as text, to be compared whole, and listeners to count with.
 #pragma once
 
 #include "material/Substance.h"
 
 #include <functional>
-#include <initializer_list>
+#include <sstream>
 #include <string>
 
 namespace kvSubstance {
@@ -27,12 +27,37 @@ struct Listener {
 };
 
 // All four slots, as ints when the input's type says so.
-std::string valueText(const SubstanceInput& input);
+inline std::string valueText(const SubstanceInput& input,
+                             int (SubstanceInput::*getInt)(int) const = &SubstanceInput::getValueI,
+                             float (SubstanceInput::*getFloat)(int) const = &SubstanceInput::getValueF) {
+    std::ostringstream text;
+    for (int k = 0; k < 4; ++k) {
+        if (k) text << ",";
+        input.getType() & 0x20 ? text << (input.*getInt)(k) : text << (input.*getFloat)(k);
+    }
+    return text.str();
+}
+
+inline std::string quoted(const kvString::IString& text) {
+    return std::string(" \"") + text.asMultibyte(kvString::EncodingUtf8).asChar() + "\"";
+}
 
 // What an input tells but its uid, on one line; what is unset is left out.
-std::string inputText(SubstanceInput& input);
-
-// The material, the outputs of these identifiers, and the inputs in the order of their ids, one a line.
-std::string modelText(Substance& material, std::initializer_list<const char*> outputs);
+inline std::string inputText(SubstanceInput& input) {
+    using In = SubstanceInput;
+    std::ostringstream text;
+    text << input.getIdentifier().asChar() << " " << input.getType() << " = " << valueText(input);
+    if (input.hasDefault()) text << " default " << valueText(input, &In::getDefaultI, &In::getDefaultF);
+    if (input.hasMin()) text << " min " << valueText(input, &In::getMinI, &In::getMinF);
+    if (input.hasMax()) text << " max " << valueText(input, &In::getMaxI, &In::getMaxF);
+    if (input.hasStep()) text << " step " << valueText(input, &In::getStepI, &In::getStepF);
+    if (input.shouldClamp()) text << " clamp";
+    if (input.showInGUI()) text << " widget " << input.getWidget();
+    if (!input.getLabel().empty()) text << quoted(input.getLabel());
+    if (!input.getDescription().empty()) text << " described" << quoted(input.getDescription());
+    if (input.isCombo()) text << " combo";
+    for (const kvString::IString& item : input.getComboItem()) text << " " << item.asMultibyte().asChar();
+    return text.str();
+}
 
 } // namespace kvSubstance

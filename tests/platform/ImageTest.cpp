@@ -13,16 +13,9 @@ TEST(MemoryImage, TilesLieWhereTheOrderPutsThem) {
     const struct {
         ilOrder order;
         const char* expected;
-    } cases[] = {
-        {ilInterleaved, "......"
-                        "..abcd"
-                        "..efgh"},
-        {ilSequential, "......"
-                       ".ab.cd"
-                       ".ef.gh"},
-        {ilSeparate, "....ab.cd"
-                     "....ef.gh"},
-    };
+    } cases[] = {{ilInterleaved, "........abcd..efgh"},
+                 {ilSequential, ".......ab.cd.ef.gh"},
+                 {ilSeparate, "....ab.cd....ef.gh"}};
     for (const auto& c : cases) {
         ilSPMemoryImg image({3, 3, 1, 2}, ilUChar, c.order, false);
         ASSERT_EQ(image.setTile(0, 0, 3, 3, std::string(18, '.').data()), ilOKAY);

@@ -78,6 +78,7 @@ struct Completions {
     bool reversed = false;               // else in the order of the pushes
     unsigned int repeats = 1;            // how often each is reported
     std::vector<unsigned int> unasked{}; // uids reported too, with the first pushed job's user data
+    unsigned int limit = ~0u;            // after so many reports the start fails
 };
 void setCompletions(const Completions& completions);
 

@@ -119,6 +119,7 @@ Reports planReports(const SubstanceHandle& handle, const Completions& completion
     }
     Reports all;
     for (unsigned int i = 0; i < completions.repeats; ++i) all.insert(all.end(), once.begin(), once.end());
+    if (all.size() > completions.limit) all.resize(completions.limit);
     return all;
 }
 
@@ -329,6 +330,7 @@ unsigned int substanceHandleStart(SubstanceHandle* handle, unsigned int flags) {
     }
     const bool block = call.ok() && std::exchange(state().script.blockNextStart, false);
     const Caller caller = state().script.completions.caller;
+    const bool isCutShort = reports.size() == state().script.completions.limit;
     const auto callback = live ? live->context->completed : nullptr;
     if (call.ok()) live->starting = true;
     if (const unsigned int status = call.end()) return status;
@@ -343,7 +345,7 @@ unsigned int substanceHandleStart(SubstanceHandle* handle, unsigned int flags) {
     const std::lock_guard<std::mutex> lock(state().mutex);
     live->starting = false;
     state().numbers.erase("job");
-    return 0;
+    return isCutShort ? 7 : 0;
 }
 
 unsigned int substanceHandleRelease(SubstanceHandle* handle) {

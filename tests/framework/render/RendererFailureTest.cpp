@@ -85,19 +85,32 @@ INSTANTIATE_TEST_SUITE_P(
                     FailingCall{"substanceHandleGetOutputs", 2, "Output 1; height 0 dirty; "}),
     [](const auto& each) { return each.param.function + std::to_string(each.param.call); });
 
-TEST_F(RendererTest, AFailedInputPushIsNotRememberedAsPushed) {
+TEST_F(RendererTest, AFailedInputPushIsTriedAgain) {
     const TestPackage package("p");
     TestGraph graph(package);
     recording::reset();
     recording::fail("substanceHandlePushSetInput", 2);
     render({&graph});
-    EXPECT_EQ(graph.take(), "Output 1; height 1; ");
-    graph.height().dirty = true;
+    EXPECT_EQ(graph.take(), "Output 1 dirty; height 1 dirty; ");
     recording::takeTrace();
     render({&graph});
     EXPECT_EQ(linesWith(recording::takeTrace(), {"SetInput(handle1, 0,"}),
               "substanceHandlePushSetInput(handle1, 0, 1:p.amount, Float, 0.5, 0)\n");
-    graph.take();
+    EXPECT_EQ(graph.take(), "Output 1; height 1; ");
+}
+
+TEST_F(RendererTest, WhatCameBeforeAFailureIsNotRenderedTwice) {
+    const TestPackage package("p");
+    TestGraph graph(package);
+    recording::Completions completions;
+    completions.limit = 1;
+    recording::setCompletions(completions);
+    render({&graph});
+    recording::reset();
+    render({});
+    EXPECT_EQ(linesWith(recording::takeTrace(), {", 2, {"}),
+              "substanceHandlePushOutputs(handle1, 2, {p.height}, 1, job1)\n");
+    EXPECT_EQ(graph.take(), "Output 1; height 1; ");
 }
 
 TEST_F(RendererTest, AFailedInitialisationReleasesTheHandle) {
