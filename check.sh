@@ -7,6 +7,7 @@
 #   ./check.sh tsan     under the thread sanitizer
 #   ./check.sh clang    optimised, clang
 #   ./check.sh lint     formatting, clang-tidy, and the shipped headers on their own
+#   ./check.sh bench    benchmarks, optimised; fails when time grows faster than it may
 #
 # Each mode builds into build/<mode> (the first one into build/release). Warnings are errors.
 set -euo pipefail
@@ -37,8 +38,15 @@ lint)
     cmake/install-packages.sh "${build_packages[@]}" "${clang_packages[@]}" "${lint_packages[@]}"
     cmake/lint.sh
     ;;
+bench)
+    cmake/install-packages.sh "${build_packages[@]}" "${benchmark_packages[@]}"
+    cmake --preset release -DKVSUBSTANCE_BUILD_BENCHMARKS=ON >build/configure.log 2>&1 ||
+        { cat build/configure.log >&2; exit 1; }
+    cmake --build --preset release --target model_benchmarks
+    build/release/bin/model_benchmarks
+    ;;
 *)
-    echo "error: unknown mode \"$mode\"; expected release, debug, asan, tsan, clang or lint" >&2
+    echo "error: unknown mode \"$mode\"; expected release, debug, asan, tsan, clang, lint or bench" >&2
     exit 2
     ;;
 esac

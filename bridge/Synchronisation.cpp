@@ -3,7 +3,7 @@
 #include "framework/render/GraphInstance.h"
 
 #include <cstring>
-#include <string>
+#include <string_view>
 #include <type_traits>
 
 namespace kvSubstance {
@@ -80,7 +80,7 @@ void syncValueFromSubstanceInputToInputInstanceBase(const SubstanceInput* input,
 void syncValueFromSubstanceInputToInputInstanceBase(kv::Reference<Substance> material,
                                                     SubstanceInput* input) {
     if (!material || !input) return;
-    const std::string identifier(input->getIdentifier().asChar(), input->getIdentifier().length());
+    const std::string_view identifier(input->getIdentifier().asChar(), input->getIdentifier().length());
     for (const auto& graph : material->getGraphInstances()) {
         InputInstanceBase* const instance = graph->findInput(identifier);
         if (!instance) continue;

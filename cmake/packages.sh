@@ -3,3 +3,4 @@ build_packages=(g++ cmake ninja-build libtinyxml-dev libboost1.81-dev libboost-t
     libflatbuffers-dev flatbuffers-compiler libpng-dev libcli11-dev nlohmann-json3-dev libgtest-dev)
 clang_packages=(clang-14)
 lint_packages=(clang-format-14 clang-tidy-14)
+benchmark_packages=(libbenchmark-dev)

@@ -139,42 +139,48 @@ private:
     std::atomic<bool> removed{false};
 };
 
-SignalBase::SignalBase()
-    : body(std::make_shared<Body>()) {}
+SignalBase::SignalBase() = default;
 
 SignalBase::~SignalBase() {
+    if (!body) return;
     Connection::endAll(body->received);
     Connection::endAll(body->emitted);
+}
+
+// Most signals of a large material never have a connection, so they do without until the first.
+const std::shared_ptr<SignalBase::Body>& SignalBase::ensureBody() {
+    if (!body) body = std::make_shared<Body>();
+    return body;
 }
 
 // The receiver learns of the connection first: should the second step fail for want of memory, nothing can
 // call a receiver that does not know.
 void SignalBase::connect(const FunctionVoid& callback, SignalBase& receiver) {
-    const auto connection = std::make_shared<Connection>(callback, body, receiver.body);
+    const auto connection = std::make_shared<Connection>(callback, ensureBody(), receiver.ensureBody());
     receiver.body->received.add(connection);
     body->emitted.add(connection);
 }
 
 int SignalBase::numConnections() const {
-    return body->emitted.countLasting();
+    return body ? body->emitted.countLasting() : 0;
 }
 
 SignalWalk::SignalWalk(SignalBase& signal)
     : body(signal.body) {
-    body->emitted.beginWalk();
+    if (body) body->emitted.beginWalk();
 }
 
 SignalWalk::~SignalWalk() {
-    body->emitted.endWalk();
+    if (body) body->emitted.endWalk();
 }
 
 SignalItem* SignalWalk::first() {
     place = 0;
-    return body->emitted.at(place).get();
+    return body ? body->emitted.at(place).get() : nullptr;
 }
 
 SignalItem* SignalWalk::next() {
-    return body->emitted.at(++place).get();
+    return body ? body->emitted.at(++place).get() : nullptr;
 }
 
 } // namespace kvRTB

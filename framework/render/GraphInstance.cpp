@@ -19,6 +19,8 @@ std::uint64_t nextIdentity() {
 GraphInstance::GraphInstance(const GraphDesc& description)
     : desc(description)
     , identity(nextIdentity()) {
+    inputs.reserve(desc.inputs.size());
+    inputsByIdentifier.reserve(desc.inputs.size());
     for (const OutputDesc& output : desc.outputs) outputs.push_back(std::make_unique<OutputInstance>(output));
     for (const auto& input : desc.inputs) {
         inputs.push_back(input->instantiate(*this));
@@ -44,7 +46,7 @@ std::vector<unsigned char> GraphInstance::keyBytes() const {
     return bytes;
 }
 
-InputInstanceBase* GraphInstance::findInput(const std::string& identifier) const {
+InputInstanceBase* GraphInstance::findInput(std::string_view identifier) const {
     const auto found = inputsByIdentifier.find(identifier);
     return found != inputsByIdentifier.end() ? found->second : nullptr;
 }

@@ -9,7 +9,7 @@
 
 #include <cstdint>
 #include <memory>
-#include <string>
+#include <string_view>
 #include <unordered_map>
 #include <vector>
 
@@ -32,10 +32,10 @@ public:
     std::vector<unsigned char> keyBytes() const;
 
     // The first input of that identifier; null when there is none, and for an empty identifier.
-    InputInstanceBase* findInput(const std::string& identifier) const;
+    InputInstanceBase* findInput(std::string_view identifier) const;
 
 private:
-    std::unordered_map<std::string, InputInstanceBase*> inputsByIdentifier;
+    std::unordered_map<std::string_view, InputInstanceBase*> inputsByIdentifier; // names of the description
 };
 
 } // namespace SubstanceAir

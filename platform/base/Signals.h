@@ -22,7 +22,9 @@ class FunctionVoidMember : public FunctionVoid {
 public:
     using Member = void (T::*)();
 
-    FunctionVoidMember(T* boundObject, Member boundMember) : object(boundObject), member(boundMember) {}
+    FunctionVoidMember(T* boundObject, Member boundMember)
+        : object(boundObject)
+        , member(boundMember) {}
     FunctionVoid* clone() const override { return new FunctionVoidMember(*this); }
     bool isBoundTo(const void* other) const override { return object == other; }
     void invoke() override { (object->*member)(); }
@@ -44,8 +46,8 @@ public:
     virtual FunctionVoid& function() = 0;
 };
 
-// A list of connections, and at the same time the tracking object of a receiver: connections to callbacks of an
-// object name one of the object's own signals as their receiver and end when that signal dies.
+// A list of connections, and at the same time the tracking object of a receiver: connections to callbacks of
+// an object name one of the object's own signals as their receiver and end when that signal dies.
 //
 // Connecting, walking and ending may happen inside a callback of the same signal. A connection that is made
 // during a walk is reached by it. Different threads may use different signals, receivers included.
@@ -65,7 +67,9 @@ private:
     struct Connection;
     struct Body;
     friend class SignalWalk;
-    std::shared_ptr<Body> body;
+    const std::shared_ptr<Body>& ensureBody();
+
+    std::shared_ptr<Body> body; // null until there is a connection
 };
 
 // A walk over a signal's connections in their order. It keeps the list and its items alive, whatever the

@@ -3,8 +3,8 @@
 //
 // A line reads
 //     worker: substanceHandlePushSetInput(handle1, 0, 2:bricks.tint, Float3, 0.5,0.25,1, 0) = 7
-// with the thread ("host" is the thread that called reset(), "engine" a thread of this double, "worker" any
-// other), the arguments, and the status unless it is 0. Objects are numbered by their first mention since
+// with the thread ("host" is the thread that called reset(), "worker" any other), the arguments, and the
+// status unless it is 0. Objects are numbered by their first mention since
 // reset(), jobs since the last start; uids that a pushed package describes are printed as the package's tag
 // and the identifier. Callbacks into the library stand between the calls as lines of their own.
 //
@@ -17,6 +17,7 @@
 
 #include "platform/engine.h"
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -33,9 +34,8 @@ void echoToStandardError();
 
 // ---- Ownership
 
-// Objects that are alive, and every misuse so far (second release, use after release, a foreign buffer, an
-// engine context released before its handles), one a line. Empty when all is well at the end.
-std::string leaks();
+// Every misuse so far, one a line: second release, use after release or while the engine runs, a foreign
+// buffer, an engine context released before its handles.
 std::string misuses();
 unsigned int liveTextures(); // buffers handed out and not freed
 
@@ -43,6 +43,9 @@ unsigned int liveTextures(); // buffers handed out and not freed
 
 // The first of so many uids that nobody in this process was given before.
 unsigned int freshUids(unsigned int count);
+
+// The XML with a fresh uid for each of #0 to #9, ascending with the digit.
+std::string withFreshUids(std::string xml);
 
 // A package that the linker takes apart into this description and an assembly that the trace shows as
 // "assembly:TAG". Bytes of any other kind cannot be read.
@@ -54,47 +57,43 @@ void setDeliveries(const std::vector<Delivery>& deliveries);
 
 // ---- Script of the engine
 
-// The call'th call from now of the function returns the status and does nothing else, but for out-parameters
-// set to null and zero. A failing push of a package delivers nothing readable.
-void fail(const std::string& function, unsigned int call = 1, unsigned int status = 7);
+// The call'th call from now of the function returns 7 and does nothing else, but for out-parameters set to
+// null and zero. A failing push of a package delivers nothing readable.
+void fail(const std::string& function, unsigned int call = 1);
 
 struct EngineInput {
     unsigned int uid;
     int type;
 };
-struct EngineOutput {
-    unsigned int uid;
-    int format;
-    unsigned int mipmaps;
-};
 
-// What handles made from now on have for inputs and outputs. By default it follows from the descriptions of
-// the pushed packages, in their order, less the inputs that connections feed or fusions join.
-void setEngineDescription(const std::vector<EngineInput>& inputs, const std::vector<EngineOutput>& outputs);
+// The inputs of handles made from now on. By default they follow from the descriptions of the pushed packages,
+// in their order, less those that connections feed or fusions join.
+void setEngineInputs(const std::vector<EngineInput>& inputs);
 
-enum class Caller { StartingThread, OneThread, ThreadEach };
-struct Completions {
-    Caller caller = Caller::StartingThread;
-    bool reversed = false;               // else in the order of the pushes
-    unsigned int repeats = 1;            // how often each is reported
-    std::vector<unsigned int> unasked{}; // uids reported too, with the first pushed job's user data
-    unsigned int limit = ~0u;            // after so many reports the start fails
-};
-void setCompletions(const Completions& completions);
-
-// What finished textures look like. The pixels of the default change with every value pushed.
+// What finished textures look like.
 struct Texture {
     unsigned short width = 4;
     unsigned short height = 2;
     int format = -1; // -1: as the package says
     bool hasBuffer = true;
-    std::vector<unsigned char> pixels = {}; // repeated to fill the buffer
+    std::vector<unsigned char> pixels = {0}; // repeated to fill the buffer
 };
 void setTexture(const Texture& texture);
 
-// The next start waits, before its first callback, until it is released.
-void blockNextStart();
-void waitForBlockedStart();
-void releaseStart();
+// A start at the point where it calls back, without any lock held. Reports may come from any thread.
+struct Report {
+    unsigned int output; // the handle's index
+    void* job;           // user data
+};
+struct Start {
+    SubstanceHandle* handle;
+    std::vector<Report> reports; // what was asked for, in the order of the pushes
+
+    void report(const Report& finished) const;
+    unsigned int reportAll() const; // returns 0
+};
+
+// Takes the place of reportAll() in the next start, and returns its status.
+void onNextStart(const std::function<unsigned int(const Start&)>& script);
 
 } // namespace recording

@@ -173,6 +173,9 @@ TEST(Evaluator, refusesRunsThatDoNotFitIntoMemory) {
     EXPECT_GE(peak, 256u * 256 * sizeof(float));
     EXPECT_NO_THROW(run(peak));
     EXPECT_THROW(run(peak - 1), std::bad_alloc);
+
+    const std::vector<std::size_t> manyTextures(64, 0); // all of them wait to be fetched at the end
+    EXPECT_GE(makeSchedule(builder.program, manyTextures, inputs).peakBytes, 64u * 256 * 256 * 4);
 }
 
 struct BindingCase {

@@ -1,13 +1,9 @@
 // Writes programs for the tests of nodes and engine: a line for each node, parameters by name.
 #pragma once
 
-#include "embedded/nodes/NodeKind.h"
-#include "embedded/program/Program.h"
+#include "tests/embedded/program/SamplePrograms.h"
 
-#include <cstring>
-#include <initializer_list>
 #include <map>
-#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -33,34 +29,19 @@ public:
 
     std::int32_t node(const std::string& kindName, std::vector<std::int32_t> sources = {},
                       const Parameters& parameters = {}) {
-        const NodeKind* kind = findNodeKind(kindName);
-        if (!kind) throw std::invalid_argument(kindName);
-        ProgramNode added;
-        added.kind = kind->code;
-        added.sources = std::move(sources);
-        added.sources.resize(kind->ports.size(), ProgramNode::unconnected);
-        for (const ParameterInfo& parameter : kind->parameters) {
-            const auto given = parameters.find(parameter.name);
-            const std::vector<double> defaults(parameter.defaultValue.begin(), parameter.defaultValue.end());
-            Binding binding;
-            binding.constant =
-                makeValue(parameter.type, given == parameters.end() ? defaults : given->second);
-            added.parameters.push_back(binding);
+        ProgramNode added = makeNode(kindName, std::move(sources));
+        added.sources.resize(findNodeKind(kindName)->ports.size(), ProgramNode::unconnected);
+        for (const auto& [name, numbers] : parameters) {
+            Value& constant = parameter(added, name).constant;
+            constant = makeValue(constant.type, numbers);
         }
-        for (const auto& given : parameters) parameterIndex(*kind, given.first); // names the misspelt ones
         added.resolution.constant = size_;
-        added.seed.constant.type = ValueType::Integer;
         program.nodes.push_back(std::move(added));
         return static_cast<std::int32_t>(program.nodes.size()) - 1;
     }
 
-    void bind(std::int32_t node, const std::string& parameter, std::int32_t input, float scale = 1,
-              float offset = 0) {
-        ProgramNode& bound = program.nodes[static_cast<std::size_t>(node)];
-        Binding& binding = bound.parameters[parameterIndex(*findNodeKind(bound.kind), parameter)];
-        binding.input = input;
-        binding.scale = scale;
-        binding.offset = offset;
+    void bind(std::int32_t node, const std::string& name, std::int32_t input) {
+        parameter(program.nodes[static_cast<std::size_t>(node)], name).input = input;
     }
 
     void output(std::uint32_t uid, std::int32_t node, std::int32_t format = 0, std::uint32_t mipmaps = 0) {
@@ -84,12 +65,6 @@ public:
     Program program;
 
 private:
-    static std::size_t parameterIndex(const NodeKind& kind, const std::string& name) {
-        for (std::size_t i = 0; i < kind.parameters.size(); ++i)
-            if (kind.parameters[i].name == name) return i;
-        throw std::invalid_argument(std::string(kind.name) + "." + name);
-    }
-
     Value size_;
 };
 

@@ -64,7 +64,7 @@ inline ProgramNode makeNode(std::string_view kindName, std::vector<std::int32_t>
 inline Binding& parameter(ProgramNode& node, std::string_view name) {
     const auto& infos = findNodeKind(node.kind)->parameters;
     std::size_t index = 0;
-    while (infos[index].name != name) ++index;
+    while (infos.at(index).name != name) ++index; // throws for a misspelt name
     return node.parameters[index];
 }
 

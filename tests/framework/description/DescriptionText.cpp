@@ -1,8 +1,7 @@
 #include "tests/framework/description/DescriptionText.h"
 
-#include "support/Numbers.h"
-
 #include <cstring>
+#include <sstream>
 
 namespace descriptiontext {
 
@@ -10,21 +9,11 @@ using namespace SubstanceAir;
 
 namespace {
 
-std::string numberText(float value) {
-    return support::toText(value);
-}
-std::string numberText(int value) {
-    return std::to_string(value);
-}
-std::string numberText(unsigned int value) {
-    return std::to_string(value);
-}
-
 template <class Numbers>
 std::string join(const Numbers& numbers) {
-    std::string result;
-    for (const auto number : numbers) result += (result.empty() ? "" : ",") + numberText(number);
-    return result;
+    std::ostringstream text;
+    for (const auto number : numbers) text << (text.tellp() > 0 ? "," : "") << number;
+    return text.str();
 }
 
 template <class Number, class T>
@@ -61,32 +50,37 @@ std::string print(const std::vector<unsigned int>& uids) {
 }
 
 std::string print(const std::vector<std::pair<unsigned int, unsigned int>>& pairs) {
-    std::string result;
-    for (const auto& [first, second] : pairs) result += numberText(first) + ">" + numberText(second) + " ";
-    return result;
+    std::ostringstream text;
+    for (const auto& [first, second] : pairs) text << first << ">" << second << " ";
+    return text.str();
 }
 
 std::string print(const OutputDesc& output) {
-    return "output " + numberText(output.uid) + " " + output.identifier + " '" + output.label + "' format " +
-           numberText(output.format) + " mipmaps " + numberText(output.mipmaps) + " " +
-           channelUsageNames()[output.channel] + " altered by " + join(output.alteringInputUids) + ".\n";
+    std::ostringstream text;
+    text << "output " << output.uid << " " << output.identifier << " '" << output.label << "' format "
+         << output.format << " mipmaps " << output.mipmaps << " " << channelUsageNames()[output.channel]
+         << " altered by " << join(output.alteringInputUids) << ".\n";
+    return text.str();
 }
 
 std::string print(const InputDescBase& input) {
-    return "input " + numberText(input.uid) + " " + input.identifier + " '" + input.label + "' type " +
-           numberText(input.type) + " " + values(input) + (input.isSystem ? " system" : "") + " alters " +
-           join(input.alteredOutputUids) + "." + input.guiXml + "\n";
+    std::ostringstream text;
+    text << "input " << input.uid << " " << input.identifier << " '" << input.label << "' type " << input.type
+         << " " << values(input) << (input.isSystem ? " system" : "") << " alters "
+         << join(input.alteredOutputUids) << "." << input.guiXml << "\n";
+    return text.str();
 }
 
 std::string print(const std::vector<Preset>& presets) {
-    std::string result;
+    std::ostringstream text;
     for (const Preset& preset : presets) {
-        result += "preset " + preset.packageUrl + " '" + preset.label + "' '" + preset.description + "'\n";
+        text << "preset " << preset.packageUrl << " '" << preset.label << "' '" << preset.description
+             << "'\n";
         for (const PresetInputValue& value : preset.inputValues)
-            result += "  " + numberText(value.uid) + " " + value.identifier + " type " +
-                      numberText(value.type) + " = " + value.value + ".\n";
+            text << "  " << value.uid << " " << value.identifier << " type " << value.type << " = "
+                 << value.value << ".\n";
     }
-    return result;
+    return text.str();
 }
 
 std::string print(const GraphDesc& graph) {

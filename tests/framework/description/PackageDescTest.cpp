@@ -86,7 +86,6 @@ TEST_F(Packages, FormatsAndMipmapsGoByTheOptions) {
     };
     EXPECT_EQ(formats(127, 2), "0x1 0x1 28x1 12x1 9x1 ");
     EXPECT_EQ(formats(1, 1), "0x0 0x0 0x0 0x0 0x0 ");
-    EXPECT_EQ(formats(0, 0), "0x0 0x0 28x0 12x3 9x2 ");
 }
 
 TEST_F(Packages, ABrokenDescriptionGivesNoGraphsAndIsNotRegistered) {
@@ -158,8 +157,8 @@ TEST_F(Packages, TheKeyStaysWithPackagesThatHaveNoGraphs) {
     EXPECT_TRUE(isTaken(1005));
 }
 
-TEST_F(Packages, CallTheLinker) {
-    const auto package = load(bricks);
+TEST_F(Packages, CallTheLinkerOnce) {
+    load(bricks);
     EXPECT_EQ(recording::takeTrace(), R"(host: substanceLinkerContextInit(linker1, 65537, 19)
 host: substanceLinkerContextSetCallback(linker1, 2, callback)
 host: substanceLinkerContextSetCallback(linker1, 3, callback)
@@ -169,17 +168,6 @@ host: substanceLinkerHandlePushAssemblyMemory(link1, "package:test", )" +
 host: substanceLinkerHandleRelease(link1)
 host: substanceLinkerContextRelease(linker1)
 )");
-
-    EXPECT_EQ(push(*package), R"(host: substanceLinkerHandlePushAssemblyMemory(link2, "assembly:test", 13)
-host: substanceLinkerHandleSetOutputFormat(link2, test.second, 0, 0)
-host: substanceLinkerHandleSetOutputFormat(link2, test.second, 0, 0)
-host: substanceLinkerHandleSetOutputFormat(link2, test.mask, 28, 0)
-host: substanceLinkerHandleSetOutputFormat(link2, test.normal, 12, 3)
-host: substanceLinkerHandleSetOutputFormat(link2, test., 9, 2)
-pushed)");
-    recording::fail("substanceLinkerHandlePushAssemblyMemory");
-    EXPECT_EQ(push(*package),
-              "host: substanceLinkerHandlePushAssemblyMemory(link3, \"assembly:test\", 13) = 7\n");
 }
 
 TEST_F(Packages, TakeWhatTheLinkerDelivers) {

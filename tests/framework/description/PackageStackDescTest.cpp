@@ -164,6 +164,16 @@ input 12 $size '$size' type 8 0,0 in 0,0 to 0,0 system alters .
     EXPECT_EQ(print(PackageStackDesc(bottom, top, list).connections()), "");
 }
 
+TEST_F(Stacks, InputsOfOneUidAreFusedOneByOne) {
+    const auto above =
+        load(packageXml("3003", "above", R"(<outputs><output uid='21'/><output uid='22'/></outputs>
+<inputs><input uid='8' identifier='$size' type='8' alteroutputs='21'/>
+<input uid='8' identifier='$size' type='8' alteroutputs='22'/></inputs>)"));
+    const PackageStackDesc stack(bottom, above->graphs()[0], {});
+    EXPECT_EQ(print(stack.fusedInputs()), "10>8 ");
+    EXPECT_EQ(print(stack.graphs()[0].inputs[0]->alteredOutputUids), "1,2,3,21,22");
+}
+
 TEST_F(Stacks, HaveUidsOfTheirOwn) {
     unsigned int uid = 0;
     {
