@@ -6,11 +6,11 @@
 #include "framework/render/OutputInstance.h"
 
 #include <boost/core/noncopyable.hpp>
+#include <boost/unordered/unordered_flat_map.hpp>
 
 #include <cstdint>
 #include <memory>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
 namespace SubstanceAir {
@@ -35,7 +35,8 @@ public:
     InputInstanceBase* findInput(std::string_view identifier) const;
 
 private:
-    std::unordered_map<std::string_view, InputInstanceBase*> inputsByIdentifier; // names of the description
+    // The identifiers are the description's. Flat, because hosts synchronise thousands of inputs in a row.
+    boost::unordered_flat_map<std::string_view, InputInstanceBase*> inputsByIdentifier;
 };
 
 } // namespace SubstanceAir

@@ -3,8 +3,9 @@
 
 #include "platform/base/Strings.h"
 
+#include <boost/unordered/unordered_flat_map.hpp>
+
 #include <deque>
-#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -65,7 +66,7 @@ public:
     }
 
 private:
-    std::unordered_map<Key, size_t, Hash> places;
+    boost::unordered_flat_map<Key, size_t, Hash> places;
     std::deque<Item> items;
 };
 

@@ -6,65 +6,57 @@ namespace recording {
 
 namespace {
 
-std::unique_lock<std::mutex> locked() {
-    return std::unique_lock<std::mutex>(state().mutex);
-}
+using Lock = std::lock_guard<std::mutex>;
 
 template <class T>
-void listLiving(std::string& list, const Objects<T>& objects) {
-    for (const auto& object : objects)
-        if (!object->released) list += "alive: " + state().name(T::kind, object.get()) + "\n";
+void setScript(T Script::*part, const T& value) {
+    const Lock lock(state().mutex);
+    state().script.*part = value;
 }
 
 } // namespace
 
 void reset() {
-    const auto lock = locked();
+    const Lock lock(state().mutex);
     State& s = state();
     s.host = std::this_thread::get_id();
     s.trace.clear();
     s.script = Script();
     s.numbers.clear();
     s.buffersMade = 0;
-    s.startBlocked = s.startReleased = false;
 }
 
 std::string takeTrace() {
-    const auto lock = locked();
+    const Lock lock(state().mutex);
     state().numbers.erase("job");
     return std::exchange(state().trace, {});
 }
 
 void echoToStandardError() {
-    const auto lock = locked();
+    const Lock lock(state().mutex);
     state().echo = true;
 }
 
-std::string leaks() {
-    const auto lock = locked();
-    State& s = state();
-    std::string list;
-    listLiving(list, s.linkerContexts);
-    listLiving(list, s.linkerHandles);
-    listLiving(list, s.contexts);
-    listLiving(list, s.handles);
-    for (const auto& buffer : s.buffers) list += "alive: " + s.bufferName(buffer.first) + "\n";
-    return list + s.misuses;
-}
-
 std::string misuses() {
-    const auto lock = locked();
+    const Lock lock(state().mutex);
     return state().misuses;
 }
 
 unsigned int liveTextures() {
-    const auto lock = locked();
+    const Lock lock(state().mutex);
     return static_cast<unsigned int>(state().buffers.size());
 }
 
 unsigned int freshUids(unsigned int count) {
-    const auto lock = locked();
+    const Lock lock(state().mutex);
     return std::exchange(state().nextUid, state().nextUid + count);
+}
+
+std::string withFreshUids(std::string xml) {
+    const unsigned int first = freshUids(10);
+    for (size_t at = 0; (at = xml.find('#', at)) != std::string::npos;)
+        xml.replace(at, 2, std::to_string(first + static_cast<unsigned int>(xml[at + 1] - '0')));
+    return xml;
 }
 
 std::string packageBytes(const std::string& descriptionXml, const std::string& tag) {
@@ -72,46 +64,24 @@ std::string packageBytes(const std::string& descriptionXml, const std::string& t
 }
 
 void setDeliveries(const std::vector<Delivery>& deliveries) {
-    const auto lock = locked();
-    state().script.deliveries = deliveries;
+    setScript(&Script::deliveries, deliveries);
 }
 
-void fail(const std::string& function, unsigned int call, unsigned int status) {
-    const auto lock = locked();
-    state().script.failures.emplace(function, std::make_pair(call, status));
+void fail(const std::string& function, unsigned int call) {
+    const Lock lock(state().mutex);
+    state().script.failures[function] = call;
 }
 
-void setEngineDescription(const std::vector<EngineInput>& inputs, const std::vector<EngineOutput>& outputs) {
-    const auto lock = locked();
-    state().script.hasDescription = true;
-    state().script.description = {inputs, outputs};
-}
-
-void setCompletions(const Completions& completions) {
-    const auto lock = locked();
-    state().script.completions = completions;
+void setEngineInputs(const std::vector<EngineInput>& inputs) {
+    setScript(&Script::engineInputs, inputs);
 }
 
 void setTexture(const Texture& texture) {
-    const auto lock = locked();
-    state().script.texture = texture;
+    setScript(&Script::texture, texture);
 }
 
-void blockNextStart() {
-    const auto lock = locked();
-    state().script.blockNextStart = true;
-    state().startBlocked = state().startReleased = false;
-}
-
-void waitForBlockedStart() {
-    auto lock = locked();
-    state().startChanged.wait(lock, [] { return state().startBlocked; });
-}
-
-void releaseStart() {
-    const auto lock = locked();
-    state().startReleased = true;
-    state().startChanged.notify_all();
+void onNextStart(const std::function<unsigned int(const Start&)>& script) {
+    setScript(&Script::onStart, script);
 }
 
 } // namespace recording

@@ -66,8 +66,8 @@ struct EngineInput {
     int type;
 };
 
-// The inputs of handles made from now on. By default they follow from the descriptions of the pushed packages,
-// in their order, less those that connections feed or fusions join.
+// The inputs of handles made from now on. By default they follow from the descriptions of the pushed
+// packages, in their order, less those that connections feed or fusions join.
 void setEngineInputs(const std::vector<EngineInput>& inputs);
 
 // What finished textures look like.

@@ -3,9 +3,9 @@
 
 #include <algorithm>
 #include <cstring>
-#include <functional>
 #include <iomanip>
 #include <locale>
+#include <sstream>
 
 using namespace recording;
 
@@ -68,24 +68,11 @@ const T* entry(const std::vector<T>& entries, unsigned int index) {
 }
 
 std::string indexName(unsigned int index, unsigned int uid) {
-    return std::to_string(index) + ":" + state().uidName(uid);
+    return std::to_string(index) + ":" + uidName(uid);
 }
 
-int findOutputIndex(const Program& program, unsigned int uid) {
-    for (size_t i = 0; i < program.outputs.size(); ++i)
-        if (program.outputs[i].uid == uid) return static_cast<int>(i);
-    return -1;
-}
-
-// Nothing but the callbacks may use a handle that has been started.
-void checkIdle(const SubstanceHandle* handle, const char* function) {
-    if (handle && handle->starting)
-        state().misuse(std::string(function) + " during a start of " + state().name("handle", handle));
-}
-
-SubstanceTexture makeTexture(const SubstanceHandle& handle, unsigned int outputIndex) {
+SubstanceTexture makeTexture(const SubstanceHandle& handle, const EngineOutput& output) {
     const Texture& wanted = state().script.texture;
-    const EngineOutput& output = handle.program.outputs[outputIndex];
     SubstanceTexture texture{};
     const int format = wanted.format < 0 ? output.format : wanted.format;
     texture.level0Width = wanted.width;
@@ -94,265 +81,195 @@ SubstanceTexture makeTexture(const SubstanceHandle& handle, unsigned int outputI
     texture.mipmapCount = static_cast<unsigned char>(std::max(output.mipmaps, 1u));
     if (!wanted.hasBuffer) return texture;
 
-    std::string values = std::to_string(outputIndex);
-    for (const auto& value : handle.values) values += "/" + std::to_string(value.first) + "=" + value.second;
-    const size_t seed = std::hash<std::string>()(values);
     const size_t size = textureSize(wanted.width, wanted.height, format, texture.mipmapCount);
     auto* const pixels = new unsigned char[size];
-    for (size_t i = 0; i < size; ++i)
-        pixels[i] = wanted.pixels.empty() ? static_cast<unsigned char>(seed >> i % 8 * 8)
-                                          : wanted.pixels[i % wanted.pixels.size()];
+    for (size_t i = 0; i < size; ++i) pixels[i] = wanted.pixels[i % wanted.pixels.size()];
     texture.buffer = pixels;
     state().buffers[pixels] = {handle.context, ++state().buffersMade};
     return texture;
 }
 
-using Reports = std::vector<std::pair<unsigned int, void*>>; // output index, job user data
+} // namespace
 
-Reports planReports(const SubstanceHandle& handle, const Completions& completions) {
-    Reports once = handle.queue;
-    if (completions.reversed) std::reverse(once.begin(), once.end());
-    for (const unsigned int uid : completions.unasked) {
-        const int index = findOutputIndex(handle.program, uid);
-        if (index >= 0 && !handle.queue.empty())
-            once.emplace_back(static_cast<unsigned int>(index), handle.queue.front().second);
-    }
-    Reports all;
-    for (unsigned int i = 0; i < completions.repeats; ++i) all.insert(all.end(), once.begin(), once.end());
-    if (all.size() > completions.limit) all.resize(completions.limit);
-    return all;
-}
-
-void report(SubstanceHandle* handle, const std::pair<unsigned int, void*>& what,
-            SubstanceOutputCompletedCallback callback) {
+void Start::report(const Report& finished) const {
     {
         const std::lock_guard<std::mutex> lock(state().mutex);
-        state().record("outputCompleted(" + state().name("handle", handle) + ", " +
-                       indexName(what.first, handle->program.outputs[what.first].uid) + ", " +
-                       state().name("job", what.second) + ")");
+        record("outputCompleted(" + name(handle) + ", " +
+               indexName(finished.output, handle->program.outputs[finished.output].uid) + ", " +
+               name("job", finished.job) + ")");
     }
-    callback(handle, what.first, what.second);
+    handle->context->completed(handle, finished.output, finished.job);
 }
 
-void runReports(SubstanceHandle* handle, const Reports& reports, Caller caller,
-                SubstanceOutputCompletedCallback callback) {
-    if (!callback) return;
-    if (caller == Caller::StartingThread) {
-        for (const auto& each : reports) report(handle, each, callback);
-        return;
-    }
-    std::vector<Reports> shares{reports};
-    if (caller == Caller::ThreadEach) {
-        shares.clear();
-        for (const auto& each : reports) shares.push_back({each});
-    }
-    std::vector<std::thread> threads;
-    for (const Reports& share : shares)
-        threads.emplace_back([&share, handle, callback] {
-            enterEngineThread();
-            for (const auto& each : share) report(handle, each, callback);
-        });
-    for (std::thread& thread : threads) thread.join();
+unsigned int Start::reportAll() const {
+    for (const Report& each : reports) report(each);
+    return 0;
 }
-
-} // namespace
 
 extern "C" {
 
 unsigned int substanceContextInit(SubstanceContext** context, SubstanceDevice* device) {
-    Call call("substanceContextInit");
-    if (!device) call.refuse();
+    Call call(__func__);
+    call.require(device);
     *context = call.create<SubstanceContext>();
-    call.print(state().name("context", *context), device ? "device" : "null");
+    call.print(*context, std::string(device ? "device" : "null"));
     return call.end();
 }
 
 unsigned int substanceContextSetCallback(SubstanceContext* context, unsigned int kind,
                                          SubstanceCallback callback) {
-    Call call("substanceContextSetCallback");
-    SubstanceContext* const live = call.object(context);
-    call.print(kind, callback ? "callback" : "null");
-    if (kind != SubstanceCallbackOutputCompleted) call.refuse();
-    if (call.ok()) live->completed = reinterpret_cast<SubstanceOutputCompletedCallback>(callback);
+    Call call(__func__, context, kind, std::string(callback ? "callback" : "null"));
+    call.require(kind == SubstanceCallbackOutputCompleted && callback);
+    if (call.ok()) context->completed = reinterpret_cast<SubstanceOutputCompletedCallback>(callback);
     return call.end();
 }
 
 unsigned int substanceContextRelease(SubstanceContext* context) {
-    Call call("substanceContextRelease");
-    SubstanceContext* const live = call.object(context);
-    if (call.ok()) {
-        live->released = true;
-        for (const auto& handle : state().handles)
-            if (handle->context == live && !handle->released)
-                state().misuse("a context was released before " + state().name("handle", handle.get()));
+    Call call(__func__, context);
+    if (call.ok()) context->released = true;
+    for (const auto& object : state().objects) {
+        const auto* const handle = dynamic_cast<const SubstanceHandle*>(object.get());
+        if (isAlive(handle) && handle->context == context)
+            misuse("a context was released before " + name(handle));
     }
     return call.end();
 }
 
 // A released context still takes its buffers back.
 unsigned int substanceContextMemoryFree(SubstanceContext* context, void* buffer) {
-    Call call("substanceContextMemoryFree");
-    call.print(state().name("context", context), state().bufferName(buffer));
+    Call call(__func__);
+    call.print(name(context), bufferName(buffer));
     const auto found = state().buffers.find(buffer);
-    if (found == state().buffers.end() || found->second.context != context) {
-        call.refuse();
-        state().misuse("substanceContextMemoryFree of " + state().bufferName(buffer));
-    }
+    call.require(found != state().buffers.end() && found->second.context == context);
     if (call.ok()) {
         state().buffers.erase(found);
         delete[] static_cast<unsigned char*>(buffer);
+    } else {
+        misuse("substanceContextMemoryFree of " + bufferName(buffer));
     }
     return call.end();
 }
 
 unsigned int substanceHandleInit(SubstanceHandle** handle, SubstanceContext* context,
                                  const unsigned char* assembly, size_t size, unsigned int flags) {
-    Call call("substanceHandleInit");
-    const std::string contextName = state().name("context", context);
+    Call call(__func__);
     const std::string bytes = assembly ? std::string(reinterpret_cast<const char*>(assembly), size) : "";
     const auto linked = state().linked.find(bytes);
-    SubstanceContext* const known = state().contexts.find(context);
-    if (!known || known->released || linked == state().linked.end()) call.refuse();
+    call.require(isAlive(context) && linked != state().linked.end());
     *handle = call.create<SubstanceHandle>();
     if (*handle) {
-        (*handle)->context = known;
-        (*handle)->program = state().script.hasDescription ? state().script.description : linked->second;
+        (*handle)->context = context;
+        (*handle)->program = linked->second;
+        const auto& inputs = state().script.engineInputs;
+        if (!inputs.empty()) (*handle)->program.inputs = inputs;
     }
-    call.print(state().name("handle", *handle), contextName, show(assembly, size), flags);
+    call.print(*handle, context, show(assembly, size), flags);
     return call.end();
 }
 
 unsigned int substanceHandleGetDesc(SubstanceHandle* handle, SubstanceDataDesc* desc) {
-    Call call("substanceHandleGetDesc");
-    const SubstanceHandle* const live = call.object(handle);
+    Call call(__func__, handle);
     *desc = {};
     if (call.ok())
-        *desc = {static_cast<unsigned int>(live->program.inputs.size()),
-                 static_cast<unsigned int>(live->program.outputs.size())};
+        *desc = {static_cast<unsigned int>(handle->program.inputs.size()),
+                 static_cast<unsigned int>(handle->program.outputs.size())};
     return call.end();
 }
 
 unsigned int substanceHandleGetInputDesc(SubstanceHandle* handle, unsigned int index,
                                          SubstanceInputDesc* desc) {
-    Call call("substanceHandleGetInputDesc");
-    const SubstanceHandle* const live = call.object(handle);
-    call.print(index);
+    Call call(__func__, handle, index);
     *desc = {};
-    const EngineInput* const input = live ? entry(live->program.inputs, index) : nullptr;
-    if (!input) call.refuse();
-    if (call.ok()) *desc = {input->uid, input->type, index};
+    const EngineInput* const input = call.ok() ? entry(handle->program.inputs, index) : nullptr;
+    call.require(input);
+    if (input) *desc = {input->uid, input->type, index};
     return call.end();
 }
 
 unsigned int substanceHandleGetOutputDesc(SubstanceHandle* handle, unsigned int index,
                                           SubstanceOutputDesc* desc) {
-    Call call("substanceHandleGetOutputDesc");
-    const SubstanceHandle* const live = call.object(handle);
-    call.print(index);
+    Call call(__func__, handle, index);
     *desc = {};
-    const EngineOutput* const output = live ? entry(live->program.outputs, index) : nullptr;
-    if (!output) call.refuse();
-    if (call.ok()) *desc = {output->uid, output->format};
+    const EngineOutput* const output = call.ok() ? entry(handle->program.outputs, index) : nullptr;
+    call.require(output);
+    if (output) *desc = {output->uid, output->format};
     return call.end();
 }
 
 unsigned int substanceHandleGetOutputs(SubstanceHandle* handle, unsigned int flags, unsigned int outputIndex,
                                        unsigned int count, SubstanceTexture* texture) {
-    Call call("substanceHandleGetOutputs");
-    SubstanceHandle* const live = call.object(handle);
-    call.print(flags, outputIndex, count);
+    Call call(__func__, handle, flags, outputIndex, count);
     *texture = {};
-    if (!live || flags != 0 || count != 1 || live->computed.count(outputIndex) == 0) call.refuse();
+    call.require(handle && flags == 0 && count == 1 && handle->computed.count(outputIndex) > 0);
     if (call.ok()) {
-        live->computed.erase(outputIndex);
-        *texture = makeTexture(*live, outputIndex);
+        handle->computed.erase(outputIndex);
+        *texture = makeTexture(*handle, handle->program.outputs[outputIndex]);
     }
-    call.print(state().bufferName(texture->buffer));
+    call.print(bufferName(texture->buffer));
     return call.end();
 }
 
 SubstanceContext* substanceHandleGetParentContext(SubstanceHandle* handle) {
-    Call call("substanceHandleGetParentContext");
-    const SubstanceHandle* const live = call.object(handle);
-    call.end();
-    return live ? live->context : nullptr;
+    return Call(__func__, handle).end() == 0 ? handle->context : nullptr;
 }
 
 unsigned int substanceHandlePushSetInput(SubstanceHandle* handle, unsigned int flags, unsigned int inputIndex,
                                          int type, const void* value, unsigned int reserved) {
-    Call call("substanceHandlePushSetInput");
-    SubstanceHandle* const live = call.object(handle);
-    checkIdle(live, "substanceHandlePushSetInput");
-    const EngineInput* const input = live ? entry(live->program.inputs, inputIndex) : nullptr;
+    Call call(__func__, handle, flags);
+    const EngineInput* const input = handle ? entry(handle->program.inputs, inputIndex) : nullptr;
     const bool fits = input && input->type == type && (value || type == SubstanceInputImage);
-    const std::string shown = fits ? showValue(type, value) : "unread";
-    call.print(flags, input ? indexName(inputIndex, input->uid) : std::to_string(inputIndex), typeName(type),
-               shown, reserved);
-    if (!fits) call.refuse();
-    if (call.ok() && flags == SubstancePushInput) live->values[inputIndex] = shown;
+    call.require(fits);
+    call.print(input ? indexName(inputIndex, input->uid) : std::to_string(inputIndex),
+               std::string(typeName(type)), fits ? showValue(type, value) : "unread", reserved);
     return call.end();
 }
 
 unsigned int substanceHandlePushOutputs(SubstanceHandle* handle, unsigned int flags,
                                         const unsigned int* outputUids, unsigned int count,
                                         void* jobUserData) {
-    Call call("substanceHandlePushOutputs");
-    SubstanceHandle* const live = call.object(handle);
-    checkIdle(live, "substanceHandlePushOutputs");
+    Call call(__func__, handle, flags);
     std::string names;
-    for (unsigned int i = 0; i < count; ++i) names += (i ? " " : "") + state().uidName(outputUids[i]);
-    call.print(flags, "{" + names + "}", count, state().name("job", jobUserData));
-    if (flags != SubstancePushOutputUids && flags != SubstancePushOutputUidsHint) call.refuse();
-    for (unsigned int i = 0; call.ok() && flags == SubstancePushOutputUids && i < count; ++i) {
-        const int index = findOutputIndex(live->program, outputUids[i]);
-        if (index < 0) continue;
-        auto& queue = live->queue;
-        queue.erase(
-            std::remove_if(queue.begin(), queue.end(),
-                           [&](const auto& each) { return each.first == static_cast<unsigned int>(index); }),
-            queue.end());
-        queue.emplace_back(static_cast<unsigned int>(index), jobUserData);
+    for (unsigned int i = 0; i < count; ++i) names += (i ? " " : "") + uidName(outputUids[i]);
+    call.print("{" + names + "}", count, name("job", jobUserData));
+    call.require(flags == SubstancePushOutputUids || flags == SubstancePushOutputUidsHint);
+    if (!call.ok() || flags != SubstancePushOutputUids) return call.end();
+    const auto& outputs = handle->program.outputs;
+    for (unsigned int index = 0; index < outputs.size(); ++index) {
+        if (std::find(outputUids, outputUids + count, outputs[index].uid) == outputUids + count) continue;
+        auto& queue = handle->queue;
+        queue.erase(std::remove_if(queue.begin(), queue.end(),
+                                   [index](const Report& waiting) { return waiting.output == index; }),
+                    queue.end());
+        queue.push_back({index, jobUserData});
     }
     return call.end();
 }
 
 unsigned int substanceHandleStart(SubstanceHandle* handle, unsigned int flags) {
-    Call call("substanceHandleStart");
-    SubstanceHandle* const live = call.object(handle);
-    checkIdle(live, "substanceHandleStart");
-    call.print(flags);
-    Reports reports;
-    if (call.ok()) reports = planReports(*live, state().script.completions);
-    if (live) {
-        live->computed.clear();
-        for (const auto& each : call.ok() ? live->queue : Reports()) live->computed.insert(each.first);
-        live->queue.clear();
+    Call call(__func__, handle, flags);
+    Start start{handle, {}};
+    if (handle) {
+        start.reports.swap(handle->queue);
+        handle->computed.clear();
     }
-    const bool block = call.ok() && std::exchange(state().script.blockNextStart, false);
-    const Caller caller = state().script.completions.caller;
-    const bool isCutShort = reports.size() == state().script.completions.limit;
-    const auto callback = live ? live->context->completed : nullptr;
-    if (call.ok()) live->starting = true;
-    if (const unsigned int status = call.end()) return status;
+    std::function<unsigned int(const Start&)> script;
+    if (call.ok()) {
+        for (const Report& each : start.reports) handle->computed.insert(each.output);
+        handle->starting = true;
+        script.swap(state().script.onStart);
+    }
+    if (const unsigned int failure = call.end()) return failure;
 
-    if (block) {
-        std::unique_lock<std::mutex> lock(state().mutex);
-        state().startBlocked = true;
-        state().startChanged.notify_all();
-        state().startChanged.wait(lock, [] { return state().startReleased; });
-    }
-    runReports(live, reports, caller, callback);
+    const unsigned int status = script ? script(start) : start.reportAll();
     const std::lock_guard<std::mutex> lock(state().mutex);
-    live->starting = false;
+    handle->starting = false;
     state().numbers.erase("job");
-    return isCutShort ? 7 : 0;
+    return status;
 }
 
 unsigned int substanceHandleRelease(SubstanceHandle* handle) {
-    Call call("substanceHandleRelease");
-    SubstanceHandle* const live = call.object(handle);
-    checkIdle(live, "substanceHandleRelease");
-    if (live) live->released = call.ok();
+    Call call(__func__, handle);
+    if (call.ok()) handle->released = true;
     return call.end();
 }
 

@@ -1,7 +1,10 @@
 // The linker's side of the double.
 #include "tests/recording/RecordingState.h"
 
+#include <tinyxml.h>
+
 #include <algorithm>
+#include <cstdlib>
 
 using namespace recording;
 
@@ -10,27 +13,58 @@ namespace {
 const std::string packagePrefix = "package:";
 const std::string assemblyPrefix = "assembly:";
 
-// What the bytes are, a package or an assembly delivered before; with an empty tag when neither.
+// A package, or the assembly that it was taken apart into.
+struct Package {
+    std::string tag; // empty: neither
+    std::string descriptionXml;
+};
+
 Package recognise(const std::string& bytes) {
-    const auto known = state().assemblies.find(bytes);
-    if (known != state().assemblies.end()) return known->second;
+    const auto known = state().descriptions.find(bytes);
+    if (known != state().descriptions.end()) return {bytes.substr(assemblyPrefix.size()), known->second};
     const size_t lineEnd = bytes.find('\n');
-    if (bytes.compare(0, packagePrefix.size(), packagePrefix) != 0 || lineEnd == std::string::npos) return {};
-    return {bytes.substr(packagePrefix.size(), lineEnd - packagePrefix.size()), bytes.substr(lineEnd + 1)};
+    if (bytes.rfind(packagePrefix, 0) != 0 || lineEnd == std::string::npos) return {};
+    const std::string tag = bytes.substr(packagePrefix.size(), lineEnd - packagePrefix.size());
+    return {tag, state().descriptions[assemblyPrefix + tag] = bytes.substr(lineEnd + 1)};
 }
 
-template <class T>
-void removeUid(std::vector<T>& ports, unsigned int uid) {
-    ports.erase(std::remove_if(ports.begin(), ports.end(), [&](const T& port) { return port.uid == uid; }),
-                ports.end());
+unsigned int number(const TiXmlElement& element, const char* attribute) {
+    const char* const text = element.Attribute(attribute);
+    return text ? static_cast<unsigned int>(std::strtoul(text, nullptr, 10)) : 0;
 }
 
-// Two uids, then the call's end; what follows from them is the caller's.
-SubstanceLinkerHandle* beginUidPair(Call& call, SubstanceLinkerHandle* handle, const std::string& first,
-                                    unsigned int second) {
-    SubstanceLinkerHandle* const live = call.object(handle);
-    call.print(first, state().uidName(second));
-    return call.ok() ? live : nullptr;
+// Adds the inputs and outputs of all graphs, in the order of the description, and names their uids.
+void addDescription(const Package& package, Program& program) {
+    TiXmlDocument document;
+    document.Parse((package.descriptionXml + "\n").c_str(), nullptr, TIXML_ENCODING_UTF8);
+    TiXmlHandle root(document.RootElement());
+    const auto forEach = [&](const TiXmlElement& graph, const char* list, const char* kind, const auto& add) {
+        const TiXmlElement* const parent = graph.FirstChildElement(list);
+        for (const TiXmlElement* child = parent ? parent->FirstChildElement(kind) : nullptr; child;
+             child = child->NextSiblingElement(kind)) {
+            const unsigned int uid = number(*child, "uid");
+            const char* const identifier = child->Attribute("identifier");
+            state().uidNames[uid] = package.tag + "." + (identifier ? identifier : "");
+            add(uid, *child);
+        }
+    };
+    for (const TiXmlElement* graph = root.FirstChild("graphs").FirstChild("graph").ToElement(); graph;
+         graph = graph->NextSiblingElement("graph")) {
+        forEach(*graph, "outputs", "output", [&](unsigned int uid, const TiXmlElement& element) {
+            const int format = static_cast<int>(number(element, "format"));
+            program.outputs.push_back({uid, format, number(element, "mipmaps")});
+        });
+        forEach(*graph, "inputs", "input", [&](unsigned int uid, const TiXmlElement& element) {
+            program.inputs.push_back({uid, static_cast<int>(number(element, "type"))});
+        });
+    }
+}
+
+void removeInput(Program& program, unsigned int uid) {
+    auto& inputs = program.inputs;
+    inputs.erase(
+        std::remove_if(inputs.begin(), inputs.end(), [uid](const auto& input) { return input.uid == uid; }),
+        inputs.end());
 }
 
 } // namespace
@@ -39,148 +73,128 @@ extern "C" {
 
 unsigned int substanceLinkerContextInit(SubstanceLinkerContext** context, unsigned int apiVersion,
                                         unsigned int engineId) {
-    Call call("substanceLinkerContextInit");
-    if (apiVersion != SubstanceLinkerApiVersion || engineId != SubstanceLinkerEngineId) call.refuse();
+    Call call(__func__);
+    call.require(apiVersion == SubstanceLinkerApiVersion && engineId == SubstanceLinkerEngineId);
     *context = call.create<SubstanceLinkerContext>();
-    call.print(state().name("linker", *context), apiVersion, engineId);
+    call.print(*context, apiVersion, engineId);
     return call.end();
 }
 
 unsigned int substanceLinkerContextSetCallback(SubstanceLinkerContext* context, unsigned int kind,
                                                SubstanceLinkerCallback callback) {
-    Call call("substanceLinkerContextSetCallback");
-    SubstanceLinkerContext* const live = call.object(context);
-    call.print(kind, callback ? "callback" : "null");
-    if (kind != SubstanceLinkerCallbackText && kind != SubstanceLinkerCallbackBytes) call.refuse();
+    Call call(__func__, context, kind, std::string(callback ? "callback" : "null"));
+    call.require(kind == SubstanceLinkerCallbackText || kind == SubstanceLinkerCallbackBytes);
     if (call.ok() && kind == SubstanceLinkerCallbackText)
-        live->text = reinterpret_cast<SubstanceLinkerTextCallback>(callback);
+        context->text = reinterpret_cast<SubstanceLinkerTextCallback>(callback);
     else if (call.ok())
-        live->bytes = reinterpret_cast<SubstanceLinkerBytesCallback>(callback);
+        context->bytes = reinterpret_cast<SubstanceLinkerBytesCallback>(callback);
     return call.end();
 }
 
 unsigned int substanceLinkerContextRelease(SubstanceLinkerContext* context) {
-    Call call("substanceLinkerContextRelease");
-    SubstanceLinkerContext* const live = call.object(context);
-    if (call.ok()) {
-        live->released = true;
-        for (const auto& handle : state().linkerHandles)
-            if (handle->context == live) handle->released = true;
+    Call call(__func__, context);
+    for (const auto& object : state().objects) {
+        const auto* const handle = dynamic_cast<const SubstanceLinkerHandle*>(object.get());
+        if (call.ok() && (object.get() == context || (handle && handle->context == context)))
+            object->released = true;
     }
     return call.end();
 }
 
 unsigned int substanceLinkerHandleInit(SubstanceLinkerHandle** handle, SubstanceLinkerContext* context) {
-    Call call("substanceLinkerHandleInit");
-    const std::string contextName = state().name("linker", context);
-    SubstanceLinkerContext* const known = state().linkerContexts.find(context);
-    if (!known || known->released) call.refuse();
+    Call call(__func__);
+    call.require(isAlive(context));
     *handle = call.create<SubstanceLinkerHandle>();
-    if (*handle) (*handle)->context = known;
-    call.print(state().name("link", *handle), contextName);
+    if (*handle) (*handle)->context = context;
+    call.print(*handle, context);
     return call.end();
 }
 
 unsigned int substanceLinkerHandlePushAssemblyMemory(SubstanceLinkerHandle* handle, const void* data,
                                                      size_t size) {
-    Call call("substanceLinkerHandlePushAssemblyMemory");
-    SubstanceLinkerHandle* const live = call.object(handle);
-    call.print(show(data, size), size);
-    if (!live) return call.end();
+    Call call(__func__, handle, show(data, size), size);
+    if (!handle) return call.end();
 
     Package package;
     if (call.ok() && data) package = recognise(std::string(static_cast<const char*>(data), size));
     std::string assembly;
     if (package.tag.empty()) {
-        call.refuse();
-        live->failed = true;
+        call.require(false);
+        handle->failed = true;
     } else {
         assembly = assemblyPrefix + package.tag;
-        state().assemblies[assembly] = package;
-        const Program program = readDescription(package);
-        live->program.inputs.insert(live->program.inputs.end(), program.inputs.begin(), program.inputs.end());
-        live->program.outputs.insert(live->program.outputs.end(), program.outputs.begin(),
-                                     program.outputs.end());
-        live->label += (live->label.empty() ? "linked:" : "+") + package.tag;
+        addDescription(package, handle->program);
+        handle->label += (handle->label.empty() ? "linked:" : "+") + package.tag;
     }
-    const unsigned int index = live->pushes++;
-    const SubstanceLinkerContext callbacks = *live->context;
+    const unsigned int index = handle->pushes++;
+    const auto text = handle->context->text;
+    const auto bytes = handle->context->bytes;
     const std::vector<Delivery> deliveries = state().script.deliveries;
     const unsigned int status = call.end();
 
-    const char* const text = package.descriptionXml.c_str();
-    const auto* const bytes = reinterpret_cast<const unsigned char*>(assembly.data());
+    const auto* const content = reinterpret_cast<const unsigned char*>(assembly.data());
     for (const Delivery delivery : deliveries) {
-        const bool isNull = delivery == Delivery::NullText || delivery == Delivery::NullBytes;
-        if (delivery == Delivery::Text || delivery == Delivery::NullText) {
-            if (callbacks.text) callbacks.text(handle, index, isNull ? nullptr : text);
-        } else if (callbacks.bytes) {
-            callbacks.bytes(handle, index, isNull ? nullptr : bytes, isNull ? 0 : assembly.size());
-        }
+        if (delivery == Delivery::Text && text) text(handle, index, package.descriptionXml.c_str());
+        if (delivery == Delivery::NullText && text) text(handle, index, nullptr);
+        if (delivery == Delivery::Bytes && bytes) bytes(handle, index, content, assembly.size());
+        if (delivery == Delivery::NullBytes && bytes) bytes(handle, index, nullptr, 0);
     }
     return status;
 }
 
 unsigned int substanceLinkerHandleSetOutputFormat(SubstanceLinkerHandle* handle, unsigned int outputUid,
                                                   int format, unsigned int mipmaps) {
-    Call call("substanceLinkerHandleSetOutputFormat");
-    SubstanceLinkerHandle* const live = call.object(handle);
-    call.print(state().uidName(outputUid), format, mipmaps);
-    if (!call.ok()) return call.end();
+    Call call(__func__, handle, Uid{outputUid}, format, mipmaps);
     bool found = false;
-    for (EngineOutput& output : live->program.outputs) {
-        if (output.uid != outputUid) continue;
-        output = {outputUid, format, mipmaps};
-        found = true;
-    }
-    if (!found) call.refuse();
+    if (call.ok())
+        for (EngineOutput& output : handle->program.outputs) {
+            if (output.uid != outputUid) continue;
+            output = {outputUid, format, mipmaps};
+            found = true;
+        }
+    call.require(found);
     return call.end();
 }
 
 unsigned int substanceLinkerConnectOutputToInput(SubstanceLinkerHandle* handle, unsigned int inputUid,
                                                  unsigned int outputUid) {
-    Call call("substanceLinkerConnectOutputToInput");
-    if (auto* const live = beginUidPair(call, handle, state().uidName(inputUid), outputUid))
-        removeUid(live->program.inputs, inputUid);
+    Call call(__func__, handle, Uid{inputUid}, Uid{outputUid});
+    if (call.ok()) removeInput(handle->program, inputUid);
     return call.end();
 }
 
 unsigned int substanceLinkerHandleSelectOutputs(SubstanceLinkerHandle* handle, unsigned int selection,
                                                 unsigned int outputUid) {
-    Call call("substanceLinkerHandleSelectOutputs");
-    beginUidPair(call, handle, std::to_string(selection), outputUid);
-    return call.end();
+    return Call(__func__, handle, selection, Uid{outputUid}).end();
 }
 
 unsigned int substanceLinkerFuseInputs(SubstanceLinkerHandle* handle, unsigned int firstUid,
                                        unsigned int secondUid) {
-    Call call("substanceLinkerFuseInputs");
-    if (auto* const live = beginUidPair(call, handle, state().uidName(firstUid), secondUid))
-        removeUid(live->program.inputs, secondUid);
+    Call call(__func__, handle, Uid{firstUid}, Uid{secondUid});
+    if (call.ok()) removeInput(handle->program, secondUid);
     return call.end();
 }
 
 unsigned int substanceLinkerHandleLink(SubstanceLinkerHandle* handle, const unsigned char** data,
                                        size_t* size) {
-    Call call("substanceLinkerHandleLink");
-    SubstanceLinkerHandle* const live = call.object(handle);
+    Call call(__func__, handle);
     *data = nullptr;
     *size = 0;
-    if (live && (live->failed || live->pushes == 0)) call.refuse();
+    call.require(handle && !handle->failed && handle->pushes > 0);
     if (!call.ok()) return call.end();
     // The number behind the printed line tells apart what was linked differently from the same assemblies.
-    live->linked = live->label + "\n" + std::to_string(state().linked.size());
-    state().linked[live->linked] = live->program;
-    *data = reinterpret_cast<const unsigned char*>(live->linked.data());
-    *size = live->linked.size();
+    handle->linked = handle->label + "\n" + std::to_string(state().linked.size());
+    state().linked[handle->linked] = handle->program;
+    *data = reinterpret_cast<const unsigned char*>(handle->linked.data());
+    *size = handle->linked.size();
     return call.end();
 }
 
 unsigned int substanceLinkerHandleRelease(SubstanceLinkerHandle* handle) {
-    Call call("substanceLinkerHandleRelease");
-    if (SubstanceLinkerHandle* const live = call.object(handle)) {
-        live->released = call.ok();
-        if (live->released) std::string().swap(live->linked);
+    Call call(__func__, handle);
+    if (call.ok()) {
+        handle->released = true;
+        std::string().swap(handle->linked); // who still reads it reads freed memory
     }
     return call.end();
 }

@@ -91,7 +91,8 @@ struct State {
 
     std::vector<std::unique_ptr<Object>> objects;
     std::map<const void*, Buffer> buffers;
-    std::map<std::string, Program> linked; // by their bytes
+    std::map<std::string, std::string> descriptions; // by the bytes of the assembly
+    std::map<std::string, Program> linked;           // by their bytes
     std::map<unsigned int, std::string> uidNames;
     unsigned int nextUid = 100;
 
@@ -108,9 +109,14 @@ std::string name(const char* kind, const void* object);
 std::string name(const Object* object);
 std::string bufferName(const void* buffer);
 std::string uidName(unsigned int uid);
+bool isAlive(const Object* object);
 
 // The first line of printable bytes, quoted; else their number.
 std::string show(const void* data, size_t size);
+
+struct Uid {
+    unsigned int value;
+};
 
 // One call of the library's while it is carried out, with the mutex held.
 class Call {
@@ -136,7 +142,9 @@ public:
         return static_cast<T*>(state().objects.back().get());
     }
 
-    void require(bool condition) { status = condition || status ? status : 1; }
+    void require(bool condition) {
+        if (!condition && ok()) status = 1;
+    }
     bool ok() const { return status == 0; }
 
     // Writes the line and lets go of the mutex.
@@ -147,6 +155,8 @@ private:
     std::string text(const T& value) {
         if constexpr (std::is_convertible_v<T, const Object*>)
             return useObject(value);
+        else if constexpr (std::is_same_v<T, Uid>)
+            return uidName(value.value);
         else if constexpr (std::is_arithmetic_v<T>)
             return std::to_string(value);
         else
