@@ -65,7 +65,8 @@ typedef struct SubstanceTexture_ {
     unsigned char mipmapCount;
 } SubstanceTexture;
 
-// An image handed to an image input: the same layout, read at once and then no more. Null pixels are no image.
+// An image handed to an image input: the same layout, read at once and then no more. Null pixels are no
+// image.
 typedef struct SubstanceTextureInput_ {
     const void* pixels;
     unsigned short level0Width;

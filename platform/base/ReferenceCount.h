@@ -32,13 +32,17 @@ template <class T>
 class Reference {
 public:
     Reference() = default;
-    Reference(T* object) : held(object) { // not explicit: a plain pointer passes as a reference
+    Reference(T* object)
+        : held(object) { // not explicit: a plain pointer passes as a reference
         if (held) held->addReference();
     }
-    Reference(const Reference& other) : Reference(other.held) {}
-    Reference(Reference&& other) noexcept : held(std::exchange(other.held, nullptr)) {}
+    Reference(const Reference& other)
+        : Reference(other.held) {}
+    Reference(Reference&& other) noexcept
+        : held(std::exchange(other.held, nullptr)) {}
     template <class U>
-    Reference(const Reference<U>& other) : Reference(static_cast<T*>(other.get())) {}
+    Reference(const Reference<U>& other)
+        : Reference(static_cast<T*>(other.get())) {}
     ~Reference() { reset(); }
 
     Reference& operator=(Reference other) noexcept {

@@ -30,7 +30,8 @@ public:
 #if defined(__GNUC__)
     __attribute__((format(printf, 2, 3)))
 #endif
-    CString& format(const char* pattern, ...);
+    CString&
+    format(const char* pattern, ...);
 
     CString& append(const CString& text);
     const char* asChar() const; // zero-terminated, valid until the string changes
@@ -79,8 +80,8 @@ KVBASE_API bool operator!=(const IString& a, const IString& b);
 namespace kvUtil {
 
 // The pieces of a text between separators, in order. An empty text has no piece; a separator at the very end
-// is followed by a last, empty piece. Empty pieces are dropped unless keepEmpty; trim cuts blanks (space, tab,
-// carriage return, line feed) from both ends of each piece first.
+// is followed by a last, empty piece. Empty pieces are dropped unless keepEmpty; trim cuts blanks (space,
+// tab, carriage return, line feed) from both ends of each piece first.
 KVBASE_API std::vector<kvString::CString> split(const kvString::CString& text, char separator, bool keepEmpty,
                                                 bool trim);
 

@@ -31,8 +31,8 @@ public:
     virtual ilType getType() const = 0;
     virtual ilOrder getOrder() const = 0;
 
-    // Copies a rectangle of tightly packed pixels into the image. A rectangle that is not inside the image, or
-    // null data, changes nothing and gives ilBADTILE.
+    // Copies a rectangle of tightly packed pixels into the image. A rectangle that is not inside the image,
+    // or null data, changes nothing and gives ilBADTILE.
     virtual ilStatus setTile(int x, int y, int width, int height, const void* data,
                              const ilConfig* configuration = nullptr) = 0;
 };
@@ -40,8 +40,8 @@ public:
 // An image that is counted and passed on.
 class KVIMAGE_API ilSIDImage : public ilImage, public kv::TempReferenceCount {
 public:
-    // Tightly packed pixels of the whole image, or null when the image keeps none in memory. Valid as long as the
-    // image lives.
+    // Tightly packed pixels of the whole image, or null when the image keeps none in memory. Valid as long as
+    // the image lives.
     virtual const unsigned char* getBytes() const = 0;
 };
 

@@ -31,13 +31,17 @@ template <class T>
 class TempReference {
 public:
     TempReference() = default;
-    TempReference(T* object) : held(object) { // not explicit: a plain pointer passes as a reference
+    TempReference(T* object)
+        : held(object) { // not explicit: a plain pointer passes as a reference
         if (held) held->addTempReference();
     }
-    TempReference(const TempReference& other) : TempReference(other.held) {}
-    TempReference(TempReference&& other) noexcept : held(std::exchange(other.held, nullptr)) {}
+    TempReference(const TempReference& other)
+        : TempReference(other.held) {}
+    TempReference(TempReference&& other) noexcept
+        : held(std::exchange(other.held, nullptr)) {}
     template <class U>
-    TempReference(const TempReference<U>& other) : TempReference(static_cast<T*>(other.get())) {}
+    TempReference(const TempReference<U>& other)
+        : TempReference(static_cast<T*>(other.get())) {}
     ~TempReference() { reset(); }
 
     TempReference& operator=(TempReference other) noexcept {

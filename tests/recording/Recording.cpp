@@ -6,50 +6,39 @@ namespace recording {
 
 namespace {
 
-using Lock = std::lock_guard<std::mutex>;
-
-template <class T>
-void setScript(T Script::*part, const T& value) {
-    const Lock lock(state().mutex);
-    state().script.*part = value;
-}
+// The state, with the mutex held to the end of the expression.
+struct Locked {
+    State* operator->() const { return &state(); }
+    const std::lock_guard<std::mutex> lock{state().mutex};
+};
 
 } // namespace
 
 void reset() {
-    const Lock lock(state().mutex);
-    State& s = state();
-    s.host = std::this_thread::get_id();
-    s.trace.clear();
-    s.script = Script();
-    s.numbers.clear();
-    s.buffersMade = 0;
+    Locked()->session = Session();
 }
 
 std::string takeTrace() {
-    const Lock lock(state().mutex);
-    state().numbers.erase("job");
-    return std::exchange(state().trace, {});
+    const Locked locked;
+    locked->session.numbers.erase("job");
+    return std::exchange(locked->session.trace, {});
 }
 
 void echoToStandardError() {
-    const Lock lock(state().mutex);
-    state().echo = true;
+    Locked()->echo = true;
 }
 
 std::string misuses() {
-    const Lock lock(state().mutex);
-    return state().misuses;
+    return Locked()->misuses;
 }
 
 unsigned int liveTextures() {
-    const Lock lock(state().mutex);
-    return static_cast<unsigned int>(state().buffers.size());
+    return static_cast<unsigned int>(Locked()->buffers.size());
 }
 
 unsigned int freshUids(unsigned int count) {
-    const Lock lock(state().mutex);
-    return std::exchange(state().nextUid, state().nextUid + count);
+    const Locked locked;
+    return std::exchange(locked->nextUid, locked->nextUid + count);
 }
 
 std::string withFreshUids(std::string xml) {
@@ -64,24 +53,23 @@ std::string packageBytes(const std::string& descriptionXml, const std::string& t
 }
 
 void setDeliveries(const std::vector<Delivery>& deliveries) {
-    setScript(&Script::deliveries, deliveries);
+    Locked()->session.deliveries = deliveries;
 }
 
 void fail(const std::string& function, unsigned int call) {
-    const Lock lock(state().mutex);
-    state().script.failures[function] = call;
+    Locked()->session.failures[function] = call;
 }
 
 void setEngineInputs(const std::vector<EngineInput>& inputs) {
-    setScript(&Script::engineInputs, inputs);
+    Locked()->session.engineInputs = inputs;
 }
 
 void setTexture(const Texture& texture) {
-    setScript(&Script::texture, texture);
+    Locked()->session.texture = texture;
 }
 
 void onNextStart(const std::function<unsigned int(const Start&)>& script) {
-    setScript(&Script::onStart, script);
+    Locked()->session.onStart = script;
 }
 
 } // namespace recording

@@ -11,52 +11,38 @@ using namespace recording;
 
 namespace {
 
-unsigned int bytesPerPixel(int format) {
-    return (format & ~SubstanceFormatSrgb) == SubstanceFormatRgba8 ? 4 : 8; // enough for every other format
-}
-
-size_t textureSize(unsigned int width, unsigned int height, int format, unsigned int levels) {
-    size_t size = 0;
-    for (unsigned int level = 0; level < std::max(levels, 1u); ++level)
-        size += size_t{std::max(width >> level, width ? 1u : 0u)} *
-                std::max(height >> level, height ? 1u : 0u) * bytesPerPixel(format);
-    return size;
-}
-
-const char* typeName(int type) {
-    static const char* const names[] = {"Float", "Float2", "Float3",   "Float4",   "Integer", "Image",
-                                        "6",     "7",      "Integer2", "Integer3", "Integer4"};
-    return type >= 0 && type <= SubstanceInputInteger4 ? names[type] : "unknown type";
-}
+constexpr size_t bytesPerPixel = 4; // of the only format whose pixels anybody reads
 
 template <class T>
 void printComponents(std::ostream& stream, const void* value, int count) {
     for (int i = 0; i < count; ++i) {
         T component;
         std::memcpy(&component, static_cast<const char*>(value) + i * sizeof(T), sizeof(T));
-        stream << (i ? "," : "") << component;
+        stream << (i ? "," : ", ") << component;
     }
 }
 
-// Reads all of a value, as the engine would.
+// The type and the value, all of which is read, as the engine would.
 std::string showValue(int type, const void* value) {
-    if (!value) return "null";
+    static const char* const names[] = {"Float", "Float2", "Float3",   "Float4",   "Integer", "Image",
+                                        "",      "",       "Integer2", "Integer3", "Integer4"};
     std::ostringstream stream;
     stream.imbue(std::locale::classic());
-    if (type == SubstanceInputImage) {
+    stream << names[type];
+    if (!value) {
+        stream << ", null";
+    } else if (type == SubstanceInputImage) {
         const auto& image = *static_cast<const SubstanceTextureInput*>(value);
-        stream << "image " << image.level0Width << "x" << image.level0Height << " format "
+        stream << ", image " << image.level0Width << "x" << image.level0Height << " format "
                << +image.pixelFormat << std::hex << std::setfill('0') << " pixels ";
         const auto* const pixels = static_cast<const unsigned char*>(image.pixels);
-        const size_t size =
-            pixels ? textureSize(image.level0Width, image.level0Height, image.pixelFormat, image.mipmapCount)
-                   : 0;
-        for (size_t i = 0; i < size; ++i) stream << std::setw(2) << +pixels[i];
+        for (size_t i = 0; i < image.level0Width * image.level0Height * bytesPerPixel; ++i)
+            stream << std::setw(2) << +pixels[i];
     } else if (type <= SubstanceInputFloat4) {
         printComponents<float>(stream, value, type + 1);
     } else {
-        printComponents<int>(stream, value,
-                             type == SubstanceInputInteger ? 1 : type - SubstanceInputInteger2 + 2);
+        const int count = type == SubstanceInputInteger ? 1 : type - SubstanceInputInteger2 + 2;
+        printComponents<int>(stream, value, count);
     }
     return stream.str();
 }
@@ -72,20 +58,19 @@ std::string indexName(unsigned int index, unsigned int uid) {
 }
 
 SubstanceTexture makeTexture(const SubstanceHandle& handle, const EngineOutput& output) {
-    const Texture& wanted = state().script.texture;
+    const Texture& wanted = state().session.texture;
     SubstanceTexture texture{};
-    const int format = wanted.format < 0 ? output.format : wanted.format;
     texture.level0Width = wanted.width;
     texture.level0Height = wanted.height;
-    texture.pixelFormat = static_cast<unsigned char>(format);
+    texture.pixelFormat = static_cast<unsigned char>(wanted.format < 0 ? output.format : wanted.format);
     texture.mipmapCount = static_cast<unsigned char>(std::max(output.mipmaps, 1u));
     if (!wanted.hasBuffer) return texture;
 
-    const size_t size = textureSize(wanted.width, wanted.height, format, texture.mipmapCount);
+    const size_t size = wanted.width * wanted.height * bytesPerPixel;
     auto* const pixels = new unsigned char[size];
     for (size_t i = 0; i < size; ++i) pixels[i] = wanted.pixels[i % wanted.pixels.size()];
     texture.buffer = pixels;
-    state().buffers[pixels] = {handle.context, ++state().buffersMade};
+    state().buffers[pixels] = {handle.context, ++state().session.buffersMade};
     return texture;
 }
 
@@ -160,10 +145,10 @@ unsigned int substanceHandleInit(SubstanceHandle** handle, SubstanceContext* con
     if (*handle) {
         (*handle)->context = context;
         (*handle)->program = linked->second;
-        const auto& inputs = state().script.engineInputs;
+        const auto& inputs = state().session.engineInputs;
         if (!inputs.empty()) (*handle)->program.inputs = inputs;
     }
-    call.print(*handle, context, show(assembly, size), flags);
+    call.print(*handle, context, firstLine(assembly, size), flags);
     return call.end();
 }
 
@@ -220,7 +205,7 @@ unsigned int substanceHandlePushSetInput(SubstanceHandle* handle, unsigned int f
     const bool fits = input && input->type == type && (value || type == SubstanceInputImage);
     call.require(fits);
     call.print(input ? indexName(inputIndex, input->uid) : std::to_string(inputIndex),
-               std::string(typeName(type)), fits ? showValue(type, value) : "unread", reserved);
+               fits ? showValue(type, value) : "unread", reserved);
     return call.end();
 }
 
@@ -234,36 +219,29 @@ unsigned int substanceHandlePushOutputs(SubstanceHandle* handle, unsigned int fl
     call.require(flags == SubstancePushOutputUids || flags == SubstancePushOutputUidsHint);
     if (!call.ok() || flags != SubstancePushOutputUids) return call.end();
     const auto& outputs = handle->program.outputs;
-    for (unsigned int index = 0; index < outputs.size(); ++index) {
-        if (std::find(outputUids, outputUids + count, outputs[index].uid) == outputUids + count) continue;
-        auto& queue = handle->queue;
-        queue.erase(std::remove_if(queue.begin(), queue.end(),
-                                   [index](const Report& waiting) { return waiting.output == index; }),
-                    queue.end());
-        queue.push_back({index, jobUserData});
-    }
+    for (unsigned int index = 0; index < outputs.size(); ++index)
+        if (std::find(outputUids, outputUids + count, outputs[index].uid) != outputUids + count)
+            handle->queue.push_back({index, jobUserData});
     return call.end();
 }
 
 unsigned int substanceHandleStart(SubstanceHandle* handle, unsigned int flags) {
     Call call(__func__, handle, flags);
     Start start{handle, {}};
-    if (handle) {
-        start.reports.swap(handle->queue);
-        handle->computed.clear();
-    }
+    start.reports.swap(handle->queue);
+    handle->computed.clear();
     std::function<unsigned int(const Start&)> script;
     if (call.ok()) {
         for (const Report& each : start.reports) handle->computed.insert(each.output);
         handle->starting = true;
-        script.swap(state().script.onStart);
+        script.swap(state().session.onStart);
     }
     if (const unsigned int failure = call.end()) return failure;
 
     const unsigned int status = script ? script(start) : start.reportAll();
     const std::lock_guard<std::mutex> lock(state().mutex);
     handle->starting = false;
-    state().numbers.erase("job");
+    state().session.numbers.erase("job");
     return status;
 }
 

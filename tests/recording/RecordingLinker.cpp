@@ -33,31 +33,29 @@ unsigned int number(const TiXmlElement& element, const char* attribute) {
     return text ? static_cast<unsigned int>(std::strtoul(text, nullptr, 10)) : 0;
 }
 
-// Adds the inputs and outputs of all graphs, in the order of the description, and names their uids.
+// Adds the inputs and outputs below the element and its siblings, in their order, and names their uids.
+void addPorts(const TiXmlElement* element, const std::string& tag, Program& program) {
+    for (; element; element = element->NextSiblingElement()) {
+        const std::string kind = element->Value();
+        if (kind != "output" && kind != "input") {
+            addPorts(element->FirstChildElement(), tag, program);
+            continue;
+        }
+        const unsigned int uid = number(*element, "uid");
+        if (kind == "input")
+            program.inputs.push_back({uid, static_cast<int>(number(*element, "type"))});
+        else
+            program.outputs.push_back(
+                {uid, static_cast<int>(number(*element, "format")), number(*element, "mipmaps")});
+        const char* const identifier = element->Attribute("identifier");
+        state().uidNames[uid] = tag + "." + (identifier ? identifier : "");
+    }
+}
+
 void addDescription(const Package& package, Program& program) {
     TiXmlDocument document;
     document.Parse((package.descriptionXml + "\n").c_str(), nullptr, TIXML_ENCODING_UTF8);
-    TiXmlHandle root(document.RootElement());
-    const auto forEach = [&](const TiXmlElement& graph, const char* list, const char* kind, const auto& add) {
-        const TiXmlElement* const parent = graph.FirstChildElement(list);
-        for (const TiXmlElement* child = parent ? parent->FirstChildElement(kind) : nullptr; child;
-             child = child->NextSiblingElement(kind)) {
-            const unsigned int uid = number(*child, "uid");
-            const char* const identifier = child->Attribute("identifier");
-            state().uidNames[uid] = package.tag + "." + (identifier ? identifier : "");
-            add(uid, *child);
-        }
-    };
-    for (const TiXmlElement* graph = root.FirstChild("graphs").FirstChild("graph").ToElement(); graph;
-         graph = graph->NextSiblingElement("graph")) {
-        forEach(*graph, "outputs", "output", [&](unsigned int uid, const TiXmlElement& element) {
-            const int format = static_cast<int>(number(element, "format"));
-            program.outputs.push_back({uid, format, number(element, "mipmaps")});
-        });
-        forEach(*graph, "inputs", "input", [&](unsigned int uid, const TiXmlElement& element) {
-            program.inputs.push_back({uid, static_cast<int>(number(element, "type"))});
-        });
-    }
+    addPorts(document.RootElement(), package.tag, program);
 }
 
 void removeInput(Program& program, unsigned int uid) {
@@ -112,7 +110,7 @@ unsigned int substanceLinkerHandleInit(SubstanceLinkerHandle** handle, Substance
 
 unsigned int substanceLinkerHandlePushAssemblyMemory(SubstanceLinkerHandle* handle, const void* data,
                                                      size_t size) {
-    Call call(__func__, handle, show(data, size), size);
+    Call call(__func__, handle, firstLine(data, size), size);
     if (!handle) return call.end();
 
     Package package;
@@ -129,7 +127,7 @@ unsigned int substanceLinkerHandlePushAssemblyMemory(SubstanceLinkerHandle* hand
     const unsigned int index = handle->pushes++;
     const auto text = handle->context->text;
     const auto bytes = handle->context->bytes;
-    const std::vector<Delivery> deliveries = state().script.deliveries;
+    const std::vector<Delivery> deliveries = state().session.deliveries;
     const unsigned int status = call.end();
 
     const auto* const content = reinterpret_cast<const unsigned char*>(assembly.data());

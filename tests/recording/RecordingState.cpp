@@ -37,9 +37,9 @@ State& state() {
 }
 
 void record(const std::string& line) {
-    const bool isHost = std::this_thread::get_id() == state().host;
+    const bool isHost = std::this_thread::get_id() == state().session.host;
     const std::string whole = (isHost ? "host: " : "worker: ") + line + "\n";
-    state().trace += whole;
+    state().session.trace += whole;
     if (state().echo) std::fputs(whole.c_str(), stderr);
 }
 
@@ -49,7 +49,7 @@ void misuse(const std::string& what) {
 
 std::string name(const char* kind, const void* object) {
     if (!object) return "null";
-    auto& known = state().numbers[kind];
+    auto& known = state().session.numbers[kind];
     const auto number = known.emplace(object, static_cast<unsigned int>(known.size()) + 1).first->second;
     return kind + std::to_string(number);
 }
@@ -74,21 +74,14 @@ bool isAlive(const Object* object) {
     return object && !object->released;
 }
 
-std::string show(const void* data, size_t size) {
+std::string firstLine(const void* data, size_t size) {
     const char* const text = static_cast<const char*>(data);
-    const char* const end = text ? std::find(text, text + size, '\n') : text;
-    const bool readable =
-        text && end != text && std::all_of(text, end, [](char c) { return c >= ' ' && c <= '~'; });
-    return readable ? '"' + std::string(text, end) + '"' : std::to_string(size) + " bytes";
+    return data ? '"' + std::string(text, std::find(text, text + size, '\n')) + '"' : "null";
 }
 
-Call::Call(const char* name)
-    : lock(state().mutex)
-    , function(name) {
-    const auto failure = state().script.failures.find(function);
-    if (failure == state().script.failures.end() || --failure->second > 0) return;
-    status = 7;
-    state().script.failures.erase(failure);
+unsigned int Call::takeFailure() const {
+    unsigned int& callsToGo = state().session.failures[function];
+    return callsToGo > 0 && --callsToGo == 0 ? 7 : 0;
 }
 
 std::string Call::useObject(const Object* object) {

@@ -68,7 +68,13 @@ struct SubstanceHandle_ : recording::Object {
 
 namespace recording {
 
-struct Script {
+// What reset() forgets: the trace, the names and the script.
+struct Session {
+    std::thread::id host = std::this_thread::get_id();
+    std::string trace;
+    std::map<std::string, std::map<const void*, unsigned int>> numbers; // of objects, by kind
+    unsigned int buffersMade = 0;
+
     std::vector<Delivery> deliveries{Delivery::Text, Delivery::Bytes};
     std::map<std::string, unsigned int> failures; // calls to go, by function
     std::vector<EngineInput> engineInputs;        // none: as the packages say
@@ -83,21 +89,15 @@ struct Buffer {
 
 struct State {
     std::mutex mutex;
-    std::thread::id host = std::this_thread::get_id();
-    std::string trace;
+    Session session;
     bool echo = false;
     std::string misuses;
-    Script script;
-
-    std::vector<std::unique_ptr<Object>> objects;
-    std::map<const void*, Buffer> buffers;
+    unsigned int nextUid = 100;
+    std::map<unsigned int, std::string> uidNames;
     std::map<std::string, std::string> descriptions; // by the bytes of the assembly
     std::map<std::string, Program> linked;           // by their bytes
-    std::map<unsigned int, std::string> uidNames;
-    unsigned int nextUid = 100;
-
-    std::map<std::string, std::map<const void*, unsigned int>> numbers; // by kind
-    unsigned int buffersMade = 0;
+    std::vector<std::unique_ptr<Object>> objects;
+    std::map<const void*, Buffer> buffers;
 };
 
 State& state(); // never destroyed
@@ -111,8 +111,7 @@ std::string bufferName(const void* buffer);
 std::string uidName(unsigned int uid);
 bool isAlive(const Object* object);
 
-// The first line of printable bytes, quoted; else their number.
-std::string show(const void* data, size_t size);
+std::string firstLine(const void* data, size_t size); // quoted
 
 struct Uid {
     unsigned int value;
@@ -123,10 +122,11 @@ class Call {
 public:
     template <class... T>
     explicit Call(const char* name, const T&... values)
-        : Call(name) {
+        : lock(state().mutex)
+        , function(name)
+        , status(takeFailure()) {
         print(values...);
     }
-    explicit Call(const char* name);
 
     // Adds arguments to the line. An object that may not be used makes the call fail.
     template <class... T>
@@ -163,11 +163,12 @@ private:
             return value;
     }
     std::string useObject(const Object* object);
+    unsigned int takeFailure() const;
 
     std::unique_lock<std::mutex> lock;
     const std::string function;
     std::string arguments;
-    unsigned int status = 0;
+    unsigned int status;
 };
 
 } // namespace recording
