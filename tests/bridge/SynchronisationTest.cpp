@@ -1,11 +1,11 @@
 #include "framework/render/GraphInstance.h"
 #include "framework/render/RenderJob.h"
+#include "tests/ClassicText.h"
 #include "tests/bridge/TestPackages.h"
 
 #include <gtest/gtest.h>
 
 #include <limits>
-#include <sstream>
 
 namespace {
 
@@ -17,7 +17,7 @@ const auto sync = [](const auto& to, const auto& what) {
 
 // The raw words of an instance.
 std::string words(const SubstanceAir::InputInstanceBase& instance) {
-    std::ostringstream text;
+    ClassicText text;
     const auto* const raw = static_cast<const int*>(instance.rawData());
     for (size_t k = 0; k < instance.rawSize() / sizeof(int); ++k) text << raw[k] << " ";
     return text.str();

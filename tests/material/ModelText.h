@@ -2,9 +2,9 @@
 #pragma once
 
 #include "material/Substance.h"
+#include "tests/ClassicText.h"
 
 #include <functional>
-#include <sstream>
 #include <string>
 
 namespace kvSubstance {
@@ -30,7 +30,7 @@ struct Listener {
 inline std::string valueText(const SubstanceInput& input,
                              int (SubstanceInput::*getInt)(int) const = &SubstanceInput::getValueI,
                              float (SubstanceInput::*getFloat)(int) const = &SubstanceInput::getValueF) {
-    std::ostringstream text;
+    ClassicText text;
     for (int k = 0; k < 4; ++k) {
         if (k) text << ",";
         input.getType() & 0x20 ? text << (input.*getInt)(k) : text << (input.*getFloat)(k);
@@ -45,7 +45,7 @@ inline std::string quoted(const kvString::IString& text) {
 // What an input tells but its uid, on one line; what is unset is left out.
 inline std::string inputText(SubstanceInput& input) {
     using In = SubstanceInput;
-    std::ostringstream text;
+    ClassicText text;
     text << input.getIdentifier().asChar() << " " << input.getType() << " = " << valueText(input);
     if (input.hasDefault()) text << " default " << valueText(input, &In::getDefaultI, &In::getDefaultF);
     if (input.hasMin()) text << " min " << valueText(input, &In::getMinI, &In::getMinF);

@@ -1,3 +1,4 @@
+#include "tests/ClassicText.h"
 #include "tests/material/ModelText.h"
 
 #include <gtest/gtest.h>
@@ -24,7 +25,7 @@ kv::Reference<Substance> read(const std::string& text) {
 }
 
 std::string outputText(const SubstanceOutput& entity) {
-    std::ostringstream text;
+    ClassicText text;
     text << entity.getUID() << " format " << entity.getFormat() << " " << entity.getXSize() << "x"
          << entity.getYSize() << " " << entity.getNumMipMaps() << (entity.getDynamicSize() ? " dynamic" : "");
     return text.str();
@@ -91,7 +92,7 @@ TEST(Reader, BrokenDocuments) {
                                     {"outputs>", "x>"},
                                     {"inputs>", "x>"}};
     for (const auto& edit : edits) EXPECT_FALSE(readsWith(edit[0], edit[1])) << edit[0] << " " << edit[1];
-    EXPECT_FALSE(read(whole.substr(0, whole.size() - 1)));
+    for (size_t size = 0; size < whole.size(); ++size) EXPECT_FALSE(read(whole.substr(0, size))) << size;
     EXPECT_FALSE(SubstanceReader::getInstance().readFromXMLData(nullptr));
     EXPECT_TRUE(read(whole) && read(document("", "")));
 }

@@ -47,12 +47,6 @@ std::string showValue(int type, const void* value) {
     return stream.str();
 }
 
-// The description's entry of an index; null when there is none.
-template <class T>
-const T* entry(const std::vector<T>& entries, unsigned int index) {
-    return index < entries.size() ? &entries[index] : nullptr;
-}
-
 std::string indexName(unsigned int index, unsigned int uid) {
     return std::to_string(index) + ":" + uidName(uid);
 }
@@ -105,19 +99,19 @@ unsigned int substanceContextSetCallback(SubstanceContext* context, unsigned int
                                          SubstanceCallback callback) {
     Call call(__func__, context, kind, std::string(callback ? "callback" : "null"));
     call.require(kind == SubstanceCallbackOutputCompleted && callback);
-    if (call.ok()) context->completed = reinterpret_cast<SubstanceOutputCompletedCallback>(callback);
-    return call.end();
+    return call.run(
+        [&] { context->completed = reinterpret_cast<SubstanceOutputCompletedCallback>(callback); });
 }
 
 unsigned int substanceContextRelease(SubstanceContext* context) {
-    Call call(__func__, context);
-    if (call.ok()) context->released = true;
-    for (const auto& object : state().objects) {
-        const auto* const handle = dynamic_cast<const SubstanceHandle*>(object.get());
-        if (isAlive(handle) && handle->context == context)
-            misuse("a context was released before " + name(handle));
-    }
-    return call.end();
+    return Call(__func__, context).run([&] {
+        context->released = true;
+        for (const auto& object : state().objects) {
+            const auto* const handle = dynamic_cast<const SubstanceHandle*>(object.get());
+            if (isAlive(handle) && handle->context == context)
+                misuse("a context was released before " + name(handle));
+        }
+    });
 }
 
 // A released context still takes its buffers back.
@@ -126,13 +120,11 @@ unsigned int substanceContextMemoryFree(SubstanceContext* context, void* buffer)
     call.print(name(context), bufferName(buffer));
     const auto found = state().buffers.find(buffer);
     call.require(found != state().buffers.end() && found->second.context == context);
-    if (call.ok()) {
+    if (!call.ok()) misuse("substanceContextMemoryFree of " + bufferName(buffer));
+    return call.run([&] {
         state().buffers.erase(found);
         delete[] static_cast<unsigned char*>(buffer);
-    } else {
-        misuse("substanceContextMemoryFree of " + bufferName(buffer));
-    }
-    return call.end();
+    });
 }
 
 unsigned int substanceHandleInit(SubstanceHandle** handle, SubstanceContext* context,
@@ -142,56 +134,51 @@ unsigned int substanceHandleInit(SubstanceHandle** handle, SubstanceContext* con
     const auto linked = state().linked.find(bytes);
     call.require(isAlive(context) && linked != state().linked.end());
     *handle = call.create<SubstanceHandle>();
-    if (*handle) {
+    call.print(*handle, context, firstLine(assembly, size), flags);
+    return call.run([&] {
         (*handle)->context = context;
         (*handle)->program = linked->second;
         const auto& inputs = state().session.engineInputs;
         if (!inputs.empty()) (*handle)->program.inputs = inputs;
-    }
-    call.print(*handle, context, firstLine(assembly, size), flags);
-    return call.end();
+    });
 }
 
 unsigned int substanceHandleGetDesc(SubstanceHandle* handle, SubstanceDataDesc* desc) {
-    Call call(__func__, handle);
     *desc = {};
-    if (call.ok())
-        *desc = {static_cast<unsigned int>(handle->program.inputs.size()),
-                 static_cast<unsigned int>(handle->program.outputs.size())};
-    return call.end();
+    return Call(__func__, handle).run([&] {
+        desc->inputsCount = static_cast<unsigned int>(handle->program.inputs.size());
+        desc->outputsCount = static_cast<unsigned int>(handle->program.outputs.size());
+    });
 }
 
 unsigned int substanceHandleGetInputDesc(SubstanceHandle* handle, unsigned int index,
                                          SubstanceInputDesc* desc) {
-    Call call(__func__, handle, index);
     *desc = {};
-    const EngineInput* const input = call.ok() ? entry(handle->program.inputs, index) : nullptr;
-    call.require(input);
-    if (input) *desc = {input->uid, input->type, index};
-    return call.end();
+    return Call(__func__, handle, index).run([&] {
+        const EngineInput& input = handle->program.inputs.at(index);
+        *desc = {input.uid, input.type, index};
+    });
 }
 
 unsigned int substanceHandleGetOutputDesc(SubstanceHandle* handle, unsigned int index,
                                           SubstanceOutputDesc* desc) {
-    Call call(__func__, handle, index);
     *desc = {};
-    const EngineOutput* const output = call.ok() ? entry(handle->program.outputs, index) : nullptr;
-    call.require(output);
-    if (output) *desc = {output->uid, output->format};
-    return call.end();
+    return Call(__func__, handle, index).run([&] {
+        const EngineOutput& output = handle->program.outputs.at(index);
+        *desc = {output.uid, output.format};
+    });
 }
 
 unsigned int substanceHandleGetOutputs(SubstanceHandle* handle, unsigned int flags, unsigned int outputIndex,
                                        unsigned int count, SubstanceTexture* texture) {
-    Call call(__func__, handle, flags, outputIndex, count);
     *texture = {};
-    call.require(handle && flags == 0 && count == 1 && handle->computed.count(outputIndex) > 0);
-    if (call.ok()) {
-        handle->computed.erase(outputIndex);
-        *texture = makeTexture(*handle, handle->program.outputs[outputIndex]);
-    }
-    call.print(bufferName(texture->buffer));
-    return call.end();
+    Call call(__func__, handle, flags, outputIndex, count);
+    call.require(flags == 0 && count == 1);
+    return call.run([&] {
+        call.require(handle->computed.erase(outputIndex) > 0);
+        if (call.ok()) *texture = makeTexture(*handle, handle->program.outputs.at(outputIndex));
+        call.print(bufferName(texture->buffer));
+    });
 }
 
 SubstanceContext* substanceHandleGetParentContext(SubstanceHandle* handle) {
@@ -201,28 +188,28 @@ SubstanceContext* substanceHandleGetParentContext(SubstanceHandle* handle) {
 unsigned int substanceHandlePushSetInput(SubstanceHandle* handle, unsigned int flags, unsigned int inputIndex,
                                          int type, const void* value, unsigned int reserved) {
     Call call(__func__, handle, flags);
-    const EngineInput* const input = handle ? entry(handle->program.inputs, inputIndex) : nullptr;
-    const bool fits = input && input->type == type && (value || type == SubstanceInputImage);
-    call.require(fits);
-    call.print(input ? indexName(inputIndex, input->uid) : std::to_string(inputIndex),
-               fits ? showValue(type, value) : "unread", reserved);
-    return call.end();
+    return call.run([&] {
+        const EngineInput& input = handle->program.inputs.at(inputIndex);
+        call.require(input.type == type && (value || type == SubstanceInputImage));
+        const std::string shown = call.ok() ? showValue(type, value) : "unread";
+        call.print(indexName(inputIndex, input.uid), shown, reserved);
+    });
 }
 
 unsigned int substanceHandlePushOutputs(SubstanceHandle* handle, unsigned int flags,
                                         const unsigned int* outputUids, unsigned int count,
                                         void* jobUserData) {
     Call call(__func__, handle, flags);
-    std::string names;
-    for (unsigned int i = 0; i < count; ++i) names += (i ? " " : "") + uidName(outputUids[i]);
-    call.print("{" + names + "}", count, name("job", jobUserData));
     call.require(flags == SubstancePushOutputUids || flags == SubstancePushOutputUidsHint);
-    if (!call.ok() || flags != SubstancePushOutputUids) return call.end();
-    const auto& outputs = handle->program.outputs;
-    for (unsigned int index = 0; index < outputs.size(); ++index)
-        if (std::find(outputUids, outputUids + count, outputs[index].uid) != outputUids + count)
-            handle->queue.push_back({index, jobUserData});
-    return call.end();
+    return call.run([&] {
+        std::string names;
+        for (unsigned int i = 0; i < count; ++i) names += (i ? " " : "") + uidName(outputUids[i]);
+        call.print("{" + names + "}", count, name("job", jobUserData));
+        const auto& outputs = handle->program.outputs;
+        for (unsigned int index = 0; flags == SubstancePushOutputUids && index < outputs.size(); ++index)
+            if (std::find(outputUids, outputUids + count, outputs[index].uid) != outputUids + count)
+                handle->queue.push_back({index, jobUserData});
+    });
 }
 
 unsigned int substanceHandleStart(SubstanceHandle* handle, unsigned int flags) {
@@ -231,12 +218,12 @@ unsigned int substanceHandleStart(SubstanceHandle* handle, unsigned int flags) {
     start.reports.swap(handle->queue);
     handle->computed.clear();
     std::function<unsigned int(const Start&)> script;
-    if (call.ok()) {
+    const unsigned int failure = call.run([&] {
         for (const Report& each : start.reports) handle->computed.insert(each.output);
         handle->starting = true;
         script.swap(state().session.onStart);
-    }
-    if (const unsigned int failure = call.end()) return failure;
+    });
+    if (failure) return failure;
 
     const unsigned int status = script ? script(start) : start.reportAll();
     const std::lock_guard<std::mutex> lock(state().mutex);
@@ -246,9 +233,7 @@ unsigned int substanceHandleStart(SubstanceHandle* handle, unsigned int flags) {
 }
 
 unsigned int substanceHandleRelease(SubstanceHandle* handle) {
-    Call call(__func__, handle);
-    if (call.ok()) handle->released = true;
-    return call.end();
+    return Call(__func__, handle).run([&] { handle->released = true; });
 }
 
 } // extern "C"

@@ -10,22 +10,17 @@ using namespace recording;
 
 namespace {
 
-const std::string packagePrefix = "package:";
 const std::string assemblyPrefix = "assembly:";
 
-// A package, or the assembly that it was taken apart into.
-struct Package {
-    std::string tag; // empty: neither
-    std::string descriptionXml;
-};
-
-Package recognise(const std::string& bytes) {
-    const auto known = state().descriptions.find(bytes);
-    if (known != state().descriptions.end()) return {bytes.substr(assemblyPrefix.size()), known->second};
+// The assembly that the bytes are, or that the package in them is taken apart into; empty when neither.
+std::string assemblyOf(const std::string& bytes) {
+    const std::string packagePrefix = "package:";
+    if (state().descriptions.count(bytes)) return bytes;
     const size_t lineEnd = bytes.find('\n');
-    if (bytes.rfind(packagePrefix, 0) != 0 || lineEnd == std::string::npos) return {};
+    if (bytes.rfind(packagePrefix, 0) != 0 || lineEnd == std::string::npos) return "";
     const std::string tag = bytes.substr(packagePrefix.size(), lineEnd - packagePrefix.size());
-    return {tag, state().descriptions[assemblyPrefix + tag] = bytes.substr(lineEnd + 1)};
+    state().descriptions[assemblyPrefix + tag] = bytes.substr(lineEnd + 1);
+    return assemblyPrefix + tag;
 }
 
 unsigned int number(const TiXmlElement& element, const char* attribute) {
@@ -52,17 +47,10 @@ void addPorts(const TiXmlElement* element, const std::string& tag, Program& prog
     }
 }
 
-void addDescription(const Package& package, Program& program) {
-    TiXmlDocument document;
-    document.Parse((package.descriptionXml + "\n").c_str(), nullptr, TIXML_ENCODING_UTF8);
-    addPorts(document.RootElement(), package.tag, program);
-}
-
 void removeInput(Program& program, unsigned int uid) {
+    const auto isIt = [uid](const EngineInput& input) { return input.uid == uid; };
     auto& inputs = program.inputs;
-    inputs.erase(
-        std::remove_if(inputs.begin(), inputs.end(), [uid](const auto& input) { return input.uid == uid; }),
-        inputs.end());
+    inputs.erase(std::remove_if(inputs.begin(), inputs.end(), isIt), inputs.end());
 }
 
 } // namespace
@@ -82,30 +70,30 @@ unsigned int substanceLinkerContextSetCallback(SubstanceLinkerContext* context, 
                                                SubstanceLinkerCallback callback) {
     Call call(__func__, context, kind, std::string(callback ? "callback" : "null"));
     call.require(kind == SubstanceLinkerCallbackText || kind == SubstanceLinkerCallbackBytes);
-    if (call.ok() && kind == SubstanceLinkerCallbackText)
-        context->text = reinterpret_cast<SubstanceLinkerTextCallback>(callback);
-    else if (call.ok())
-        context->bytes = reinterpret_cast<SubstanceLinkerBytesCallback>(callback);
-    return call.end();
+    return call.run([&] {
+        if (kind == SubstanceLinkerCallbackText)
+            context->text = reinterpret_cast<SubstanceLinkerTextCallback>(callback);
+        else
+            context->bytes = reinterpret_cast<SubstanceLinkerBytesCallback>(callback);
+    });
 }
 
 unsigned int substanceLinkerContextRelease(SubstanceLinkerContext* context) {
-    Call call(__func__, context);
-    for (const auto& object : state().objects) {
-        const auto* const handle = dynamic_cast<const SubstanceLinkerHandle*>(object.get());
-        if (call.ok() && (object.get() == context || (handle && handle->context == context)))
-            object->released = true;
-    }
-    return call.end();
+    return Call(__func__, context).run([&] {
+        context->released = true;
+        for (const auto& object : state().objects) {
+            auto* const handle = dynamic_cast<SubstanceLinkerHandle*>(object.get());
+            if (handle && handle->context == context) handle->released = true;
+        }
+    });
 }
 
 unsigned int substanceLinkerHandleInit(SubstanceLinkerHandle** handle, SubstanceLinkerContext* context) {
     Call call(__func__);
     call.require(isAlive(context));
     *handle = call.create<SubstanceLinkerHandle>();
-    if (*handle) (*handle)->context = context;
     call.print(*handle, context);
-    return call.end();
+    return call.run([&] { (*handle)->context = context; });
 }
 
 unsigned int substanceLinkerHandlePushAssemblyMemory(SubstanceLinkerHandle* handle, const void* data,
@@ -113,52 +101,46 @@ unsigned int substanceLinkerHandlePushAssemblyMemory(SubstanceLinkerHandle* hand
     Call call(__func__, handle, firstLine(data, size), size);
     if (!handle) return call.end();
 
-    Package package;
-    if (call.ok() && data) package = recognise(std::string(static_cast<const char*>(data), size));
-    std::string assembly;
-    if (package.tag.empty()) {
-        call.require(false);
-        handle->failed = true;
-    } else {
-        assembly = assemblyPrefix + package.tag;
-        addDescription(package, handle->program);
-        handle->label += (handle->label.empty() ? "linked:" : "+") + package.tag;
+    std::string assembly, description;
+    if (call.ok() && data) assembly = assemblyOf(std::string(static_cast<const char*>(data), size));
+    call.require(!assembly.empty());
+    if (call.ok()) {
+        const std::string tag = assembly.substr(assemblyPrefix.size());
+        description = state().descriptions[assembly];
+        TiXmlDocument document;
+        document.Parse((description + "\n").c_str(), nullptr, TIXML_ENCODING_UTF8);
+        addPorts(document.RootElement(), tag, handle->program);
+        handle->label += (handle->label.empty() ? "linked:" : "+") + tag;
     }
+    handle->failed = handle->failed || !call.ok();
     const unsigned int index = handle->pushes++;
-    const auto text = handle->context->text;
-    const auto bytes = handle->context->bytes;
+    const SubstanceLinkerContext& context = *handle->context;
     const std::vector<Delivery> deliveries = state().session.deliveries;
     const unsigned int status = call.end();
 
-    const auto* const content = reinterpret_cast<const unsigned char*>(assembly.data());
+    const auto* const bytes = reinterpret_cast<const unsigned char*>(assembly.data());
     for (const Delivery delivery : deliveries) {
-        if (delivery == Delivery::Text && text) text(handle, index, package.descriptionXml.c_str());
-        if (delivery == Delivery::NullText && text) text(handle, index, nullptr);
-        if (delivery == Delivery::Bytes && bytes) bytes(handle, index, content, assembly.size());
-        if (delivery == Delivery::NullBytes && bytes) bytes(handle, index, nullptr, 0);
+        const bool isNull = delivery == Delivery::NullText || delivery == Delivery::NullBytes;
+        if (delivery == Delivery::Bytes || delivery == Delivery::NullBytes)
+            context.bytes(handle, index, isNull ? nullptr : bytes, isNull ? 0 : assembly.size());
+        else
+            context.text(handle, index, isNull ? nullptr : description.c_str());
     }
     return status;
 }
 
 unsigned int substanceLinkerHandleSetOutputFormat(SubstanceLinkerHandle* handle, unsigned int outputUid,
                                                   int format, unsigned int mipmaps) {
-    Call call(__func__, handle, Uid{outputUid}, format, mipmaps);
-    bool found = false;
-    if (call.ok())
-        for (EngineOutput& output : handle->program.outputs) {
-            if (output.uid != outputUid) continue;
-            output = {outputUid, format, mipmaps};
-            found = true;
-        }
-    call.require(found);
-    return call.end();
+    return Call(__func__, handle, Uid{outputUid}, format, mipmaps).run([&] {
+        for (EngineOutput& output : handle->program.outputs)
+            if (output.uid == outputUid) output = {outputUid, format, mipmaps};
+    });
 }
 
 unsigned int substanceLinkerConnectOutputToInput(SubstanceLinkerHandle* handle, unsigned int inputUid,
                                                  unsigned int outputUid) {
     Call call(__func__, handle, Uid{inputUid}, Uid{outputUid});
-    if (call.ok()) removeInput(handle->program, inputUid);
-    return call.end();
+    return call.run([&] { removeInput(handle->program, inputUid); });
 }
 
 unsigned int substanceLinkerHandleSelectOutputs(SubstanceLinkerHandle* handle, unsigned int selection,
@@ -169,32 +151,30 @@ unsigned int substanceLinkerHandleSelectOutputs(SubstanceLinkerHandle* handle, u
 unsigned int substanceLinkerFuseInputs(SubstanceLinkerHandle* handle, unsigned int firstUid,
                                        unsigned int secondUid) {
     Call call(__func__, handle, Uid{firstUid}, Uid{secondUid});
-    if (call.ok()) removeInput(handle->program, secondUid);
-    return call.end();
+    return call.run([&] { removeInput(handle->program, secondUid); });
 }
 
 unsigned int substanceLinkerHandleLink(SubstanceLinkerHandle* handle, const unsigned char** data,
                                        size_t* size) {
-    Call call(__func__, handle);
     *data = nullptr;
     *size = 0;
+    Call call(__func__, handle);
     call.require(handle && !handle->failed && handle->pushes > 0);
-    if (!call.ok()) return call.end();
-    // The number behind the printed line tells apart what was linked differently from the same assemblies.
-    handle->linked = handle->label + "\n" + std::to_string(state().linked.size());
-    state().linked[handle->linked] = handle->program;
-    *data = reinterpret_cast<const unsigned char*>(handle->linked.data());
-    *size = handle->linked.size();
-    return call.end();
+    return call.run([&] {
+        // The number behind the printed line tells apart what was linked differently from the same
+        // assemblies.
+        handle->linked = handle->label + "\n" + std::to_string(state().linked.size());
+        state().linked[handle->linked] = handle->program;
+        *data = reinterpret_cast<const unsigned char*>(handle->linked.data());
+        *size = handle->linked.size();
+    });
 }
 
 unsigned int substanceLinkerHandleRelease(SubstanceLinkerHandle* handle) {
-    Call call(__func__, handle);
-    if (call.ok()) {
+    return Call(__func__, handle).run([&] {
         handle->released = true;
         std::string().swap(handle->linked); // who still reads it reads freed memory
-    }
-    return call.end();
+    });
 }
 
 } // extern "C"

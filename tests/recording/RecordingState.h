@@ -8,6 +8,7 @@
 #include <memory>
 #include <mutex>
 #include <set>
+#include <stdexcept>
 #include <string>
 #include <thread>
 #include <type_traits>
@@ -39,8 +40,8 @@ struct Object {
 
 struct SubstanceLinkerContext_ : recording::Object {
     const char* kind() const override { return "linker"; }
-    SubstanceLinkerTextCallback text = nullptr;
-    SubstanceLinkerBytesCallback bytes = nullptr;
+    SubstanceLinkerTextCallback text = [](auto*, unsigned int, const char*) {};
+    SubstanceLinkerBytesCallback bytes = [](auto*, unsigned int, const unsigned char*, size_t) {};
 };
 
 struct SubstanceLinkerHandle_ : recording::Object {
@@ -146,6 +147,17 @@ public:
         if (!condition && ok()) status = 1;
     }
     bool ok() const { return status == 0; }
+
+    // Does what the call does, unless it fails; an index out of range makes it fail.
+    template <class Body>
+    unsigned int run(const Body& body) {
+        try {
+            if (ok()) body();
+        } catch (const std::out_of_range&) {
+            require(false);
+        }
+        return end();
+    }
 
     // Writes the line and lets go of the mutex.
     unsigned int end();

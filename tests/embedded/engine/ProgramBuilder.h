@@ -1,9 +1,11 @@
 // Writes programs for the tests of nodes and engine: a line for each node, parameters by name.
 #pragma once
 
+#include "embedded/engine/PlainEvaluator.h"
 #include "tests/embedded/program/SamplePrograms.h"
 
 #include <map>
+#include <random>
 #include <string>
 #include <vector>
 
@@ -11,61 +13,75 @@ namespace embedded {
 
 class ProgramBuilder {
 public:
-    // One number is repeated in each component of a parameter.
     using Parameters = std::map<std::string, std::vector<double>>;
 
-    explicit ProgramBuilder(int log2Width, int log2Height) { setSize(log2Width, log2Height); }
+    ProgramBuilder(int log2Width, int log2Height) { setSize(log2Width, log2Height); }
 
     // For the nodes that come after.
     void setSize(int log2Width, int log2Height) {
-        size_.type = ValueType::Integer2;
-        size_.integers = {log2Width, log2Height};
+        size_ =
+            makeValue(ValueType::Integer2, {static_cast<double>(log2Width), static_cast<double>(log2Height)});
     }
 
-    std::int32_t input(std::uint32_t uid, ValueType type, const std::vector<double>& value = {0}) {
-        program.inputs.push_back({uid, type, SystemInput::None, makeValue(type, value)});
-        return static_cast<std::int32_t>(program.inputs.size()) - 1;
-    }
-
-    std::int32_t node(const std::string& kindName, std::vector<std::int32_t> sources = {},
+    std::int32_t node(const std::string& kind, const std::vector<std::int32_t>& sources = {},
                       const Parameters& parameters = {}) {
-        ProgramNode added = makeNode(kindName, std::move(sources));
-        added.sources.resize(findNodeKind(kindName)->ports.size(), ProgramNode::unconnected);
+        ProgramNode node = makeNode(kind, sources);
         for (const auto& [name, numbers] : parameters) {
-            Value& constant = parameter(added, name).constant;
+            Value& constant = parameter(node, name).constant;
             constant = makeValue(constant.type, numbers);
         }
-        added.resolution.constant = size_;
-        program.nodes.push_back(std::move(added));
+        node.resolution.constant = size_;
+        program.nodes.push_back(std::move(node));
         return static_cast<std::int32_t>(program.nodes.size()) - 1;
     }
 
-    void bind(std::int32_t node, const std::string& name, std::int32_t input) {
-        parameter(program.nodes[static_cast<std::size_t>(node)], name).input = input;
-    }
-
-    void output(std::uint32_t uid, std::int32_t node, std::int32_t format = 0, std::uint32_t mipmaps = 0) {
-        program.outputs.push_back({uid, node, format, mipmaps});
-    }
-
-    static Value makeValue(ValueType type, const std::vector<double>& numbers) {
-        Value value;
-        value.type = type;
-        for (std::size_t i = 0; i < static_cast<std::size_t>(componentCount(type)); ++i) {
-            const double component = numbers.size() == 1 ? numbers[0] : numbers.at(i);
-            if (isInteger(type)) {
-                value.integers[i] = static_cast<std::int32_t>(component);
-            } else {
-                value.floats[i] = static_cast<float>(component);
+    // Sources from the choices, parameters from their ranges.
+    std::int32_t randomNode(const NodeKind& kind, const std::vector<std::int32_t>& choices,
+                            std::mt19937& random) {
+        std::vector<std::int32_t> sources;
+        for (const PortInfo& port : kind.ports) {
+            const bool isConnected = port.required || random() % 2 == 0;
+            sources.push_back(isConnected ? choices[random() % choices.size()] : ProgramNode::unconnected);
+        }
+        Parameters parameters;
+        for (const ParameterInfo& info : kind.parameters) {
+            if (info.type == ValueType::Image || random() % 3 == 0) continue;
+            std::vector<double>& numbers = parameters[info.name];
+            numbers.resize(4);
+            for (double& number : numbers) {
+                const double share = random() / 4294967295.0;
+                // Mostly small numbers of the range, where the interesting ones are.
+                number = info.minimum + (info.maximum - info.minimum) * share * share * share;
             }
         }
-        return value;
+        return node(kind.name, sources, parameters);
+    }
+
+    // An image from outside; it has to be colour.
+    std::int32_t picture(Image&& image) {
+        program.inputs.push_back(makeInput(0, ValueType::Image));
+        images_.push_back(std::make_shared<const Image>(std::move(image)));
+        const std::int32_t shown = node("imageInput");
+        parameter(program.nodes.back(), "image").input = static_cast<std::int32_t>(program.inputs.size()) - 1;
+        return shown;
+    }
+
+    // Pictures have to come before all other inputs.
+    InputValues inputValues() const {
+        InputValues values = defaultValues(program);
+        std::copy(images_.begin(), images_.end(), values.images.begin());
+        return values;
+    }
+
+    Image imageOf(std::int32_t node) const {
+        return evaluatePlainly(program, static_cast<std::size_t>(node), inputValues());
     }
 
     Program program;
 
 private:
     Value size_;
+    std::vector<std::shared_ptr<const Image>> images_;
 };
 
 } // namespace embedded

@@ -9,30 +9,27 @@
 
 namespace embedded {
 
-inline Value integers(std::vector<std::int32_t> components) {
-    constexpr ValueType types[] = {ValueType::Integer, ValueType::Integer2, ValueType::Integer3,
-                                   ValueType::Integer4};
+// One number stands for each component.
+inline Value makeValue(ValueType type, const std::vector<double>& numbers = {0}) {
     Value value;
-    value.type = types[components.size() - 1];
-    for (std::size_t i = 0; i < components.size(); ++i) value.integers[i] = components[i];
+    value.type = type;
+    for (std::size_t i = 0; i < static_cast<std::size_t>(componentCount(type)); ++i) {
+        const double number = numbers.size() == 1 ? numbers[0] : numbers.at(i);
+        if (isInteger(type))
+            value.integers[i] = static_cast<std::int32_t>(number);
+        else
+            value.floats[i] = static_cast<float>(number);
+    }
     return value;
 }
 
-inline Value floats(std::vector<float> components) {
-    Value value;
-    value.type = static_cast<ValueType>(components.size() - 1);
-    for (std::size_t i = 0; i < components.size(); ++i) value.floats[i] = components[i];
-    return value;
+inline ProgramInput makeInput(std::uint32_t uid, ValueType type, const std::vector<double>& numbers = {0},
+                              SystemInput role = SystemInput::None) {
+    return {uid, type, role, makeValue(type, numbers)};
 }
 
-inline Value image() {
-    Value value;
-    value.type = ValueType::Image;
-    return value;
-}
-
-inline ProgramInput makeInput(std::uint32_t uid, const Value& value, SystemInput role = SystemInput::None) {
-    return {uid, value.type, role, value};
+inline Binding constantly(const Value& constant) {
+    return {Binding::constantOnly, constant};
 }
 
 inline Binding boundTo(std::int32_t input, float scale = 1.0f, float offset = 0.0f) {
@@ -42,22 +39,14 @@ inline Binding boundTo(std::int32_t input, float scale = 1.0f, float offset = 0.
 // All parameters have their defaults.
 inline ProgramNode makeNode(std::string_view kindName, std::vector<std::int32_t> sources = {}) {
     const NodeKind& kind = *findNodeKind(kindName);
-    ProgramNode node;
-    node.kind = kind.code;
-    node.sources = std::move(sources);
+    ProgramNode node{kind.code, std::move(sources)};
+    node.sources.resize(kind.ports.size(), ProgramNode::unconnected);
     for (const ParameterInfo& info : kind.parameters) {
-        Binding binding;
-        binding.constant.type = info.type;
-        for (std::size_t i = 0; i < static_cast<std::size_t>(componentCount(info.type)); ++i) {
-            if (isInteger(info.type))
-                binding.constant.integers[i] = static_cast<std::int32_t>(info.defaultValue[i]);
-            else
-                binding.constant.floats[i] = static_cast<float>(info.defaultValue[i]);
-        }
-        node.parameters.push_back(binding);
+        const auto& numbers = info.defaultValue;
+        node.parameters.push_back(constantly(makeValue(info.type, {numbers.begin(), numbers.end()})));
     }
-    node.resolution.constant = integers({8, 8});
-    node.seed.constant = integers({0});
+    node.resolution = constantly(makeValue(ValueType::Integer2, {8, 8}));
+    node.seed = constantly(makeValue(ValueType::Integer));
     return node;
 }
 
@@ -70,12 +59,12 @@ inline Binding& parameter(ProgramNode& node, std::string_view name) {
 
 // A picture under an image: inputs of several types, each bound.
 inline Program sampleProgram() {
-    Program program;
-    program.uid = 77;
-    program.inputs = {makeInput(1, integers({9, 10}), SystemInput::Resolution),
-                      makeInput(2, integers({3}), SystemInput::Seed), makeInput(3, floats({0.25f})),
-                      makeInput(4, image()), makeInput(5, floats({0.5f, 0.25f, 1.0f}))};
-    program.nodes = {makeNode("uniform"), makeNode("imageInput", {-1}), makeNode("blend", {0, 1, -1})};
+    Program program{77};
+    program.inputs = {makeInput(1, ValueType::Integer2, {9, 10}, SystemInput::Resolution),
+                      makeInput(2, ValueType::Integer, {3}, SystemInput::Seed),
+                      makeInput(3, ValueType::Float, {0.25}), makeInput(4, ValueType::Image),
+                      makeInput(5, ValueType::Float3, {0.5, 0.25, 1})};
+    program.nodes = {makeNode("uniform"), makeNode("imageInput"), makeNode("blend", {0, 1})};
     for (ProgramNode& node : program.nodes) {
         node.resolution = boundTo(0);
         node.seed = boundTo(1);

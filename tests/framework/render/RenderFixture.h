@@ -29,24 +29,18 @@ public:
 
 private:
     static PackageDesc load(const std::string& tag) {
-        const std::string bytes = recording::packageBytes(description(recording::freshUids(6)), tag);
+        const std::string bytes =
+            recording::packageBytes(recording::withFreshUids(R"(<sbsdescription asmuid='#0'>
+            <graphs count='1'><graph pkgurl='pkg://test'><outputs count='2'>
+                <output uid='#1' identifier='Output' format='0' mipmaps='1'/>
+                <output uid='#2' identifier='height' format='32' mipmaps='0'/>
+            </outputs><inputs count='3'>
+                <input uid='#5' identifier='$seed' type='4' default='3' alteroutputs='#1,#2'/>
+                <input uid='#4' identifier='amount' type='0' default='0.5' alteroutputs='#1'/>
+                <input uid='#3' identifier='picture' type='5' alteroutputs='#1,#2'/>
+            </inputs></graph></graphs></sbsdescription>)"),
+                                    tag);
         return PackageDesc(bytes.data(), bytes.size(), nullptr);
-    }
-
-    static std::string description(unsigned int uid) {
-        const std::string output = std::to_string(uid + 1);
-        const std::string height = std::to_string(uid + 2);
-        const std::string both = output + "," + height;
-        return "<sbsdescription asmuid='" + std::to_string(uid) +
-               "'><graphs count='1'><graph pkgurl='pkg://test'>" + "<outputs count='2'><output uid='" +
-               output + "' identifier='Output' format='0' mipmaps='1'/>" + "<output uid='" + height +
-               "' identifier='height' format='32' mipmaps='0'/></outputs>" +
-               "<inputs count='3'><input uid='" + std::to_string(uid + 5) +
-               "' identifier='$seed' type='4' default='3' alteroutputs='" + both + "'/>" + "<input uid='" +
-               std::to_string(uid + 4) + "' identifier='amount' type='0' default='0.5' alteroutputs='" +
-               output + "'/>" + "<input uid='" + std::to_string(uid + 3) +
-               "' identifier='picture' type='5' alteroutputs='" + both +
-               "'/></inputs></graph></graphs></sbsdescription>";
     }
 };
 
@@ -57,13 +51,9 @@ public:
 
     OutputInstance& output() { return *outputs[0]; }
     OutputInstance& height() { return *outputs[1]; }
-    InputInstanceImage& picture() { return dynamic_cast<InputInstanceImage&>(*findInput("picture")); }
-    InputInstanceNumerical<float>& amount() {
-        return dynamic_cast<InputInstanceNumerical<float>&>(*findInput("amount"));
-    }
-    InputInstanceNumerical<int>& seed() {
-        return dynamic_cast<InputInstanceNumerical<int>&>(*findInput("$seed"));
-    }
+    auto& picture() { return dynamic_cast<InputInstanceImage&>(*findInput("picture")); }
+    auto& amount() { return dynamic_cast<InputInstanceNumerical<float>&>(*findInput("amount")); }
+    auto& seed() { return dynamic_cast<InputInstanceNumerical<int>&>(*findInput("$seed")); }
 
     // Takes the results: for each output their number, and whether it is out of date.
     std::string take() {
@@ -104,19 +94,23 @@ inline std::string linesWith(const std::string& trace, std::initializer_list<con
     return kept;
 }
 
-// The renderer and the engine context are there already, so that traces are the same in any order of tests.
+// A graph that was never rendered. The renderer and the engine context are there already, so that traces are
+// the same in any order of tests.
 class RendererTest : public testing::Test {
 protected:
     void SetUp() override {
-        const TestPackage package("warmup");
-        TestGraph graph(package);
-        render({&graph});
+        const TestPackage warmup("warmup");
+        TestGraph first(warmup);
+        render({&first});
         recording::reset();
     }
     void TearDown() override {
         EXPECT_EQ(recording::misuses(), "");
         EXPECT_EQ(recording::liveTextures(), 0u);
     }
+
+    const TestPackage package{"p"};
+    TestGraph graph{package};
 };
 
 } // namespace SubstanceAir
