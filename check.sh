@@ -14,10 +14,12 @@ set -euo pipefail
 cd "$(dirname "$0")"
 source cmake/packages.sh
 
-build_and_test() { # preset, further arguments of cmake
+build_and_test() { # preset, packages that it needs besides the usual ones
     local preset=$1
     shift
-    cmake --preset "$preset" -DKVSUBSTANCE_WARNINGS_AS_ERRORS=ON "$@" >build/configure.log 2>&1 ||
+    cmake/install-packages.sh "${build_packages[@]}" "${test_packages[@]}" "$@"
+    cmake/generate-locale.sh
+    cmake --preset "$preset" -DKVSUBSTANCE_WARNINGS_AS_ERRORS=ON >build/configure.log 2>&1 ||
         { cat build/configure.log >&2; exit 1; }
     cmake --build --preset "$preset"
     ctest --preset "$preset" --parallel "$(nproc)"
@@ -27,12 +29,10 @@ mode=${1:-release}
 mkdir -p build
 case $mode in
 release | debug | asan | tsan)
-    cmake/install-packages.sh "${build_packages[@]}"
     build_and_test "$mode"
     ;;
 clang)
-    cmake/install-packages.sh "${build_packages[@]}" "${clang_packages[@]}"
-    build_and_test clang
+    build_and_test clang "${clang_packages[@]}"
     ;;
 lint)
     cmake/install-packages.sh "${build_packages[@]}" "${clang_packages[@]}" "${lint_packages[@]}"

@@ -141,13 +141,6 @@ TEST(Pixels, TwoOutputsFeedTwoInputs) {
     EXPECT_EQ(pixelAt(none, 4, 4), (Pixel{0, 0, 0, 255}));
 }
 
-TEST(Pixels, OnlyEightBitColourBecomesAnImage) {
-    for (const char* const format : {"rgba16", "gray8", "gray16"}) {
-        const auto material = kvSubstance::createSubstance(plainBottom(), show("diffuse", format));
-        EXPECT_FALSE(kvSubstance::getTextureFromSubstance(material.get())) << format;
-    }
-}
-
 TEST(Pixels, MaterialsOfOnePackageLiveApart) {
     const kv::vector<char> bottom = plainBottom(), top = show("diffuse");
     const auto one = kvSubstance::createSubstance(bottom, top);
@@ -167,15 +160,6 @@ TEST(Pixels, AGraphStacksOnItself) {
         <output identifier="Output" usage="diffuse" node="half" format="rgba8"/>)");
     const auto material = kvSubstance::createSubstance(both, both);
     EXPECT_EQ(pixelAt(kvSubstance::getTextureFromSubstance(material.get()), 0, 0), (Pixel{64, 64, 64, 255}));
-}
-
-TEST(Pixels, SavedValuesGiveTheSamePictureAgain) {
-    const kv::vector<char> bottom = plainBottom(), top = show("diffuse");
-    const auto edited = kvSubstance::createSubstance(bottom, top);
-    const Image image = edit(edited, "tint", [](auto& input) { input.setValue3F(0.125f, 0.75f, 0.5f); });
-    const auto restored = kvSubstance::createSubstance(bottom, top);
-    restored->applyStateString(edited->getStateString());
-    EXPECT_TRUE(bytesOf(kvSubstance::getTextureFromSubstance(restored.get())) == bytesOf(image));
 }
 
 TEST(Pixels, DamagedPackagesGiveNoMaterialAndNoHarm) {

@@ -1,123 +1,84 @@
 // Graph instances by themselves: values, what they make dirty, and the key they form.
-#include "framework/description/InputDesc.h"
-#include "framework/render/GraphInstance.h"
-#include "tests/recording/Recording.h"
+#include "tests/framework/render/RenderFixture.h"
 
 #include <boost/make_shared.hpp>
-#include <gtest/gtest.h>
 
 #include <cmath>
 #include <cstdlib>
 #include <cstring>
-#include <memory>
-#include <string>
-#include <vector>
 
 namespace SubstanceAir {
 
-namespace {
+using Pair = Math::Vector2<float>;
 
-// Outputs 10, 20 and 30, all clean.
-struct Fixture {
-    template <class T>
-    InputDescBase& add(const std::string& identifier, unsigned int type, T value,
-                       const std::vector<unsigned int>& altered = {}) {
-        auto input = std::make_unique<InputDescNumerical<T>>();
-        input->type = type;
-        input->identifier = identifier;
-        input->defaultValue = value;
-        input->alteredOutputUids = altered;
-        desc.inputs.push_back(std::move(input));
-        return *desc.inputs.back();
-    }
-
-    void build() {
-        for (const unsigned int uid : {10u, 20u, 30u}) {
-            desc.outputs.emplace_back();
-            desc.outputs.back().uid = uid;
-        }
-        graph = std::make_unique<GraphInstance>(desc);
-        takeDirty();
-    }
-
-    template <class T>
-    auto& at(size_t position) {
-        return dynamic_cast<InputInstanceNumerical<T>&>(*graph->inputs.at(position));
-    }
-
-    // The uids of the outputs that became dirty since the last call.
-    std::string takeDirty() {
-        std::string text;
-        for (const auto& output : graph->outputs)
-            if (output->dirty.exchange(false)) text += std::to_string(output->desc.uid) + " ";
-        return text;
-    }
-
-    GraphDesc desc;
-    std::unique_ptr<GraphInstance> graph;
-};
-
-} // namespace
-
-TEST(GraphInstance, RealChangesMarkTheAlteredOutputsAndTheirNeighbours) {
-    Fixture fixture;
-    fixture.add<float>("a", Float, 0.5f, {10, 30});
-    fixture.add<int>("b", Integer, 7, {15, 31}); // foreign uids are trusted
-    fixture.desc.inputs.push_back(std::make_unique<InputDescImage>());
-    fixture.desc.inputs.back()->type = Image;
-    fixture.desc.inputs.back()->alteredOutputUids = {20};
-    fixture.build();
-
-    auto& amount = fixture.at<float>(0);
-    for (const float value : {0.25f, 0.5f, std::nanf(""), std::nanf("")}) { // a NaN equals nothing
-        amount.setValue(value);
-        EXPECT_EQ(fixture.takeDirty(), "10 30 ") << value;
-    }
-    amount.reset();
-    fixture.takeDirty();
-    amount.reset();
-    amount.setValue(0.5f);
-    EXPECT_EQ(fixture.takeDirty(), "");
-
-    fixture.at<int>(1).setValue(8);
-    EXPECT_EQ(fixture.takeDirty(), "20 ") << "the one after 15; nothing comes after 31";
-
-    auto& image = dynamic_cast<InputInstanceImage&>(*fixture.graph->inputs[2]);
-    image.reset();
-    EXPECT_EQ(fixture.takeDirty(), "");
-    const auto picture = boost::make_shared<InputImage>(SubstanceTextureInput{});
-    image.setImage(picture);
-    EXPECT_EQ(fixture.takeDirty(), "20 ");
-    image.setImage(picture);
-    EXPECT_EQ(fixture.takeDirty(), "");
+template <class T>
+void addInput(GraphDesc& desc, const std::string& identifier, unsigned int type, T value, bool isSystem) {
+    auto input = std::make_unique<InputDescNumerical<T>>();
+    input->identifier = identifier;
+    input->type = type;
+    input->defaultValue = value;
+    input->isSystem = isSystem;
+    desc.inputs.push_back(std::move(input));
 }
 
-TEST(GraphInstance, TheKeyIsMadeOfSystemInputsInOrder) {
-    Fixture fixture;
-    fixture.add<int>("a", Integer, 0x01020304).isSystem = true;
-    fixture.add<int>("b", Integer, 5);
-    fixture.add<Math::Vector2<int>>("c", Integer2, {8, 9}).isSystem = true;
-    fixture.build();
-    const int expected[] = {0x01020304, 8, 9};
-    const auto bytes = fixture.graph->keyBytes();
+TEST_F(RendererTest, RealChangesMarkTheAlteredOutputs) {
+    const auto takeDirty = [this] {
+        const bool output = graph.output().dirty.exchange(false),
+                   height = graph.height().dirty.exchange(false);
+        return std::string(output ? "Output " : "") + (height ? "height " : "");
+    };
+    takeDirty();
+    for (const float value : {0.25f, 0.5f, std::nanf(""), std::nanf("")}) { // a NaN equals nothing
+        graph.amount().setValue(value);
+        EXPECT_EQ(takeDirty(), "Output ")
+            << value << ": the output after the one uid; none is after the other";
+    }
+    graph.amount().reset();
+    takeDirty();
+    graph.amount().reset();
+    graph.amount().setValue(0.5f);
+    EXPECT_EQ(takeDirty(), "");
+
+    graph.picture().reset();
+    EXPECT_EQ(takeDirty(), "");
+    const auto picture = boost::make_shared<InputImage>(SubstanceTextureInput{});
+    graph.picture().setImage(picture);
+    EXPECT_EQ(takeDirty(), "Output height ");
+    graph.picture().setImage(picture);
+    EXPECT_EQ(takeDirty(), "");
+}
+
+TEST(GraphInstance, HasAKeyOfSystemInputsAndNames) {
+    GraphDesc desc;
+    addInput(desc, "a", Integer, 0x01020304, true);
+    addInput(desc, "", Integer, 5, false);
+    addInput(desc, "a", Integer, 8, true);
+    const GraphInstance graph(desc);
+    const int expected[] = {0x01020304, 8};
+    const auto bytes = graph.keyBytes();
     ASSERT_EQ(bytes.size(), sizeof expected);
     EXPECT_EQ(std::memcmp(bytes.data(), expected, sizeof expected), 0);
+    EXPECT_EQ(graph.findInput("a"), graph.inputs[0].get()) << "the first of a name";
+    EXPECT_EQ(graph.findInput(""), nullptr);
 }
 
-TEST(GraphInstance, FindsTheFirstInputOfAnIdentifier) {
-    Fixture fixture;
-    for (const char* const identifier : {"a", "", "b", "a"}) fixture.add<int>(identifier, Integer, 0);
-    fixture.build();
-    EXPECT_EQ(fixture.graph->findInput("a"), fixture.graph->inputs[0].get());
-    EXPECT_EQ(fixture.graph->findInput(""), nullptr);
-    EXPECT_EQ(fixture.graph->findInput("c"), nullptr);
+TEST(GraphInstance, ForeignUidsMarkTheOutputAfterThem) {
+    GraphDesc desc;
+    addInput(desc, "a", Integer, 7, false);
+    desc.inputs[0]->alteredOutputUids = {15, 31};
+    desc.outputs.resize(3);
+    for (const unsigned int i : {0u, 1u, 2u}) desc.outputs[i].uid = 10 * (i + 1);
+    const GraphInstance graph(desc);
+    for (const auto& output : graph.outputs) output->dirty = false;
+    dynamic_cast<InputInstanceNumerical<int>&>(*graph.inputs[0]).setValue(8);
+    for (const auto& output : graph.outputs) EXPECT_EQ(output->dirty, output->desc.uid == 20);
 }
 
 TEST(InputInstance, ValuesAsText) {
-    Fixture fixture;
-    fixture.add<Math::Vector2<float>>("a", Float2, {0.1f, -2});
-    fixture.build();
-    auto& input = fixture.at<Math::Vector2<float>>(0);
+    GraphDesc desc;
+    addInput(desc, "a", Float2, Pair{0.1f, -2}, false);
+    const GraphInstance graph(desc);
+    auto& input = dynamic_cast<InputInstanceNumerical<Pair>&>(*graph.inputs[0]);
     for (const char* const refused : {"1", "1,2,3", "1, 2", ""})
         EXPECT_FALSE(input.setValueFromText(refused)) << refused;
     EXPECT_EQ(input.valueAsText(), "0.1,-2");
@@ -127,15 +88,13 @@ TEST(InputInstance, ValuesAsText) {
 
 #ifdef GTEST_HAS_DEATH_TEST
 TEST(GraphInstance, OneThatRendersNothingMakesNoRenderer) {
-    // A process of its own, so that there is no renderer yet.
     testing::FLAGS_gtest_death_test_style = "threadsafe";
     const auto edit = [] {
         {
-            Fixture fixture;
-            fixture.add<int>("a", Integer, 5, {10});
-            fixture.build();
-            fixture.at<int>(0).setValue(6);
-            fixture.graph->outputs[1]->grabResult();
+            GraphDesc desc;
+            addInput(desc, "a", Float2, Pair{}, false);
+            const GraphInstance graph(desc);
+            dynamic_cast<InputInstanceNumerical<Pair>&>(*graph.inputs[0]).setValue({1, 2});
         }
         std::exit(recording::takeTrace().empty() ? 0 : 1); // the renderer begins with a linker context
     };

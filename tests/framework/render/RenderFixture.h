@@ -19,7 +19,8 @@
 namespace SubstanceAir {
 
 // One graph with the outputs Output and height and the inputs picture, amount and $seed, in the order of
-// their uids; the engine has them in another order. The amount alters Output only, the others alter both.
+// their uids; the engine has them in another order. The amount alters two uids that are no outputs': one
+// before Output and one after height. The others alter both outputs.
 class TestPackage {
 public:
     explicit TestPackage(const std::string& tag)
@@ -99,9 +100,11 @@ inline std::string linesWith(const std::string& trace, std::initializer_list<con
 class RendererTest : public testing::Test {
 protected:
     void SetUp() override {
-        const TestPackage warmup("warmup");
-        TestGraph first(warmup);
-        render({&first});
+        {
+            const TestPackage warmup("warmup");
+            TestGraph first(warmup);
+            render({&first});
+        }
         recording::reset();
     }
     void TearDown() override {

@@ -56,10 +56,8 @@ TEST_F(RendererTest, ASecondStartWaitsForTheThreadOfTheFirst) {
 
 TEST_F(RendererTest, ValuesMayChangeDuringARun) {
     recording::onNextStart([this](const Start& start) {
-        std::thread([this] {
-            graph.amount().setValue(0.75f);
-            graph.seed().setValue(11);
-        }).join();
+        graph.amount().setValue(0.75f);
+        graph.seed().setValue(11);
         return start.reportAll();
     });
     render({&graph});
@@ -84,29 +82,20 @@ TEST_F(RendererTest, ARequestBeforeTheStartIsServed) {
     stopRenderThread();
 }
 
-#ifdef GTEST_HAS_DEATH_TEST
-
-// Each runs in a process of its own, in which nothing was rendered before.
-class FreshProcessTest : public testing::Test {
-protected:
-    void SetUp() override { testing::FLAGS_gtest_death_test_style = "threadsafe"; }
-};
+#ifdef GTEST_HAS_DEATH_TEST // these need a process in which nothing was rendered before
 
 // A host's global objects: made before the library's first use, and so destroyed after it.
 std::unique_ptr<TestPackage> earlyPackage;
 std::unique_ptr<TestGraph> earlyGraph;
 std::unique_ptr<RenderResult> earlyResult;
 
-[[noreturn]] void renderAndExit(bool keepsTextures) {
+[[noreturn]] void renderAndExit() {
     recording::reset();
     recording::echoToStandardError();
     earlyPackage = std::make_unique<TestPackage>("early");
     earlyGraph = std::make_unique<TestGraph>(*earlyPackage);
     render({earlyGraph.get()});
-    if (keepsTextures)
-        earlyResult = earlyGraph->output().grabResult(); // the other one stays with its output
-    else
-        earlyGraph->take();
+    earlyResult = earlyGraph->output().grabResult(); // the other one stays with its output
     static const TestPackage latePackage("late");
     static TestGraph lateGraph(latePackage);
     recording::fail("substanceHandleStart");
@@ -114,16 +103,12 @@ std::unique_ptr<RenderResult> earlyResult;
     std::exit(0);
 }
 
-TEST_F(FreshProcessTest, EverythingIsReleasedOnceAtTheEnd) {
-    EXPECT_EXIT(renderAndExit(false), testing::ExitedWithCode(0),
+// Textures that the host keeps to the very end keep their context.
+TEST(RendererProcess, ReleasesEverythingOnceAtTheEnd) {
+    testing::FLAGS_gtest_death_test_style = "threadsafe";
+    EXPECT_EXIT(renderAndExit(), testing::ExitedWithCode(0),
                 "host: substanceHandleRelease\\(handle1\\)\n"
                 "host: substanceHandleRelease\\(handle2\\)\n"
-                "host: substanceContextRelease\\(context1\\)\n"
-                "host: substanceLinkerContextRelease\\(linker2\\)\n$");
-}
-
-TEST_F(FreshProcessTest, TexturesKeptToTheVeryEndKeepTheirContext) {
-    EXPECT_EXIT(renderAndExit(true), testing::ExitedWithCode(0),
                 "host: substanceContextMemoryFree\\(context1, buffer1\\)\n"
                 "host: substanceContextMemoryFree\\(context1, buffer2\\)\n"
                 "host: substanceContextRelease\\(context1\\)\n"
@@ -145,7 +130,8 @@ TEST_F(FreshProcessTest, TexturesKeptToTheVeryEndKeepTheirContext) {
     std::exit(0);
 }
 
-TEST_F(FreshProcessTest, ContextsThatFailAreTriedAgain) {
+TEST(RendererProcess, TriesContextsThatFailAgain) {
+    testing::FLAGS_gtest_death_test_style = "threadsafe";
     EXPECT_EXIT(failAndExit("substanceContextInit", 1), testing::ExitedWithCode(0),
                 "^substanceContextInit\\(null, device\\) = 7\n"
                 "substanceContextInit\\(context1, device\\)\n"
