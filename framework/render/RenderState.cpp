@@ -139,7 +139,7 @@ unsigned int RenderState::link(SubstanceLinkerContext* linkerContext, const Pack
     if (const unsigned int status = substanceLinkerHandleLink(linkerHandle, &data, &size)) {
         // Kept: a handle that failed to link is left to the linker, which frees it with its context. Linkers
         // hold on to such a handle to report what was wrong with it.
-        owner.release();
+        static_cast<void>(owner.release());
         return status;
     }
     if (data) assembly.assign(data, data + size); // it dies with the linker handle

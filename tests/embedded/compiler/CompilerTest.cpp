@@ -6,7 +6,6 @@
 #include <gtest/gtest.h>
 
 #include <fstream>
-#include <set>
 
 namespace embedded {
 namespace {
@@ -139,25 +138,6 @@ output 880458751 node 3 format 66 mipmaps 1
 )");
 }
 
-TEST(Compiler, GraphsShareAnAssembly) {
-    const Compiled compiled = compileClean(R"(<package>
-<graph url="pkg://a"><input identifier="x" type="float" min="0" max="1"/>
-<node name="n" kind="blur" source="m" sigma="{x}"/><node name="m" kind="uniform"/><output identifier="o" node="n"/></graph>
-<graph url="pkg://b"><input identifier="x" type="float" min="0" max="1"/>
-<node name="n" kind="blur" source="m" sigma="{x}"/><node name="m" kind="uniform"/><output identifier="o" node="n"/></graph>
-</package>)");
-    EXPECT_NE(compiled.description.find("<graphs count=\"2\">"), std::string::npos);
-    EXPECT_EQ(compiled.program, R"(input 2359855062 role 0 0:0
-input 4227254047 role 0 0:0
-node uniform [ ] 4:0 3:0.5,0.5,0.5,1 4:0 resolution 8:8,8 seed 4:0
-node blur [ 0 ] {0} resolution 8:8,8 seed 4:0
-node uniform [ ] 4:0 3:0.5,0.5,0.5,1 4:0 resolution 8:8,8 seed 4:0
-node blur [ 2 ] {1} resolution 8:8,8 seed 4:0
-output 3462423614 node 1 format 32 mipmaps 1
-output 36591805 node 3 format 32 mipmaps 1
-)");
-}
-
 TEST(Compiler, AllErrorsInOneGo) {
     const CompileResult result = compilePackage(R"(<package versoin="1">
 <graph url="pkg://broken wall" label="Broken">
@@ -200,16 +180,6 @@ stray text
                      "26 26 26 27 27 27 27 28 29 29 30 31 32 33 ");
 }
 
-TEST(Compiler, MessagesNameFileLineAndRemedy) {
-    const CompileResult result = compilePackage(
-        "<package><graph url=\"u\">\n<node name=\"n\" kind=\"blurr\"/>\n<output identifier=\"o\" node=\"n\"/>"
-        "</graph></package>");
-    ASSERT_EQ(result.diagnostics.size(), 1u);
-    EXPECT_EQ(toString(result.diagnostics[0], "wall.xml"),
-              "wall.xml:2:16: error: node \"n\", attribute kind: \"blurr\" is no kind of node; did you mean "
-              "\"blur\"?");
-}
-
 TEST(Compiler, WarningsLeaveAPackage) {
     const CompileResult result = compilePackage(R"(<package><graph url="pkg://w">
 <input identifier="unused" type="float" min="0" max="1"/>
@@ -232,41 +202,29 @@ TEST(Compiler, EachCycleIsReportedOnce) {
 <node name="self" kind="blend" background="self" foreground="a"/>
 <output identifier="o" node="behind"/></graph></package>)");
     EXPECT_EQ(summary(result), "3:1 node \"a\"\n6:1 node \"self\"\n");
-    EXPECT_EQ(result.diagnostics[0].message, "depends on itself: \"a\" reads \"b\" reads \"c\" reads \"a\"");
+    EXPECT_EQ(
+        toString(result.diagnostics[0], "wall.xml"),
+        "wall.xml:3:1: error: node \"a\": depends on itself: \"a\" reads \"b\" reads \"c\" reads \"a\"");
 }
 
 TEST(Compiler, WhatIsNoSource) {
     std::string deeplyNested;
     for (int i = 0; i < 100000; ++i) deeplyNested += "<package>";
-    const struct {
-        const char* name;
-        std::string source;
-    } cases[] = {
-        {"nothing", ""},
-        {"other root", "<sbsdescription/>"},
-        {"two roots", goodSource + "<package/>"},
-        {"no graphs", "<package/>"},
-        {"zero byte", std::string("<package>\0</package>", 20)},
-        {"Latin-1", "<package><!-- \xE4 --></package>"},
-        {"cut", goodSource.substr(0, goodSource.size() / 2)},
-        {"deep nesting", deeplyNested},
-        {"huge", std::string(std::size_t{17} << 20, ' ')},
+    const std::string sources[] = {
+        "",
+        "<sbsdescription/>",
+        goodSource + "<package/>",
+        "<package/>",
+        std::string("<package>\0</package>", 20),
+        "<package><!-- \xE4 --></package>", // Latin-1
+        goodSource.substr(0, goodSource.size() / 2),
+        deeplyNested,
+        std::string(std::size_t{17} << 20, ' '),
     };
-    for (const auto& [name, source] : cases) {
+    for (const std::string& source : sources) {
         const CompileResult result = compilePackage(source);
-        EXPECT_TRUE(result.package.empty()) << name;
-        EXPECT_FALSE(result.diagnostics.empty()) << name;
-    }
-}
-
-// Ports and parameters are attributes of the node element.
-TEST(Compiler, NamesOfKindsDoNotCollide) {
-    for (const NodeKind& kind : nodeKinds()) {
-        std::set<std::string> names = {"name", "kind"};
-        for (const PortInfo& port : kind.ports)
-            EXPECT_TRUE(names.insert(port.name).second) << kind.name << " " << port.name;
-        for (const ParameterInfo& info : kind.parameters)
-            EXPECT_TRUE(names.insert(info.name).second) << kind.name << " " << info.name;
+        EXPECT_TRUE(result.package.empty()) << source.substr(0, 50);
+        EXPECT_FALSE(result.diagnostics.empty()) << source.substr(0, 50);
     }
 }
 

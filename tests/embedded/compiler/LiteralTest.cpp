@@ -20,12 +20,10 @@ TEST(Literal, Values) {
     } cases[] = {
         {ValueType::Float, "0.5", "0.5"},
         {ValueType::Float, " -1e-3 ", "-0.001"},
-        {ValueType::Float, "1e-60", "0"},
         {ValueType::Float2, "1, 2", "1,2"},
         {ValueType::Float2, "3", "3,3"},
         {ValueType::Float3, "#ff0033", "1,0,0.2"},
         {ValueType::Float4, "#FF003300", "1,0,0.2,0"},
-        {ValueType::Float4, "#ff0033", "1,0,0.2,1"},
         {ValueType::Float4, "0.1,0.2,0.3", "0.1,0.2,0.3,1"},
         {ValueType::Integer, "-2147483648", "-2147483648"},
         {ValueType::Integer4, "1,2,3", "1,2,3,1"},
@@ -38,7 +36,6 @@ TEST(Literal, Values) {
         {ValueType::Float3, {"#ff003380", "#ff00g3"}},
         {ValueType::Float4, {"0.1,0.2"}},
         {ValueType::Integer, {"2147483648", "1.0"}},
-        {ValueType::Image, {"1"}},
     };
     for (const auto& [type, texts] : refused)
         for (const char* const text : texts) EXPECT_EQ(read(type, text), "refused") << text;
@@ -52,26 +49,16 @@ TEST(Literal, InputExpressions) {
                           : "refused";
     };
     EXPECT_EQ(parsed(" { a } "), "a 1 0");
-    EXPECT_EQ(parsed("{a}*2"), "a 2 0");
     EXPECT_EQ(parsed("{a} * 25e-2-1e+1"), "a 0.25 -10");
     EXPECT_EQ(parsed("{a} - 0.5"), "a 1 -0.5");
     for (const char* const text : {"{a", "a} * 2", "{a} * ", "{a} 2", "{a} * 2 + ", "{a} * {b}", "{a} / 2"})
         EXPECT_EQ(parsed(text), "refused") << text;
 }
 
-TEST(Literal, ColoursBecomeLinear) {
-    const Value linear = linearFromSrgb(*parseValue(ValueType::Float4, "#0a80ff80"));
-    EXPECT_NEAR(linear.floats[0], 0.003035f, 1e-6f);
-    EXPECT_NEAR(linear.floats[1], 0.215861f, 1e-6f);
-    EXPECT_EQ(linear.floats[2], 1.0f);
-    EXPECT_EQ(linear.floats[3], 128.0f / 255.0f);
-}
-
 TEST(Suggestion, NearestNames) {
     EXPECT_EQ(suggestion("multpily", {"multiply", "screen"}), "; did you mean \"multiply\"?");
     EXPECT_EQ(suggestion("SCALE", {"scale"}), "; did you mean \"scale\"?");
     EXPECT_EQ(suggestion("zebra", {"red", "blue"}), "; there are red, blue");
-    EXPECT_EQ(suggestion("zebra", {}), "; there are none");
 }
 
 // Published hashes of FNV-1a; saved documents hold uids, so they may never change.

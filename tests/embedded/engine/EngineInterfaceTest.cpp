@@ -50,14 +50,15 @@ struct Engine {
     ~Engine() {
         EXPECT_EQ(substanceHandleRelease(handle), 0u);
         EXPECT_EQ(substanceContextRelease(context), context ? 0u : 1u);
-        EXPECT_NE(substanceContextRelease(context), 0u);
+        if (!buffers.empty()) {
+            EXPECT_NE(substanceContextRelease(context), 0u); // the object stays for the buffers
+        }
         freeBuffers(buffers);
     }
     void freeBuffers(const std::map<unsigned char*, unsigned char>& taken) const {
         for (const auto& [buffer, firstByte] : taken) {
             EXPECT_EQ(buffer[0], firstByte);
             EXPECT_EQ(substanceContextMemoryFree(context, buffer), 0u);
-            EXPECT_NE(substanceContextMemoryFree(context, buffer), 0u);
         }
     }
 
@@ -225,6 +226,10 @@ TEST(EngineInterface, texturesCanBeFetchedLaterOrNever) {
     EXPECT_EQ(engine.run({tintedUid, shownUid}), "");
     engine.fetch(1);
     EXPECT_EQ(engine.trace.str(), "1: 2x1, 0, 1: 0 0 255 255\n");
+    void* const buffer = engine.buffers.begin()->first;
+    EXPECT_EQ(substanceContextMemoryFree(engine.context, buffer), 0u);
+    EXPECT_NE(substanceContextMemoryFree(engine.context, buffer), 0u);
+    engine.buffers.clear();
     engine.run({tintedUid}); // the first texture gives way to the second, which goes with the handle
 }
 

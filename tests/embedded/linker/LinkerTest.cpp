@@ -6,8 +6,6 @@
 
 #include <gtest/gtest.h>
 
-#include <thread>
-
 namespace embedded {
 namespace {
 
@@ -16,7 +14,8 @@ using Bytes = std::vector<unsigned char>;
 // Two images, one of which is scaled by an input. Uids: resolution 1, amount 2; outputs 11 and 12.
 Program bottom() {
     Program program;
-    program.inputs = {makeInput(1, integers({9, 9}), SystemInput::Resolution), makeInput(2, floats({0.5f}))};
+    program.inputs = {makeInput(1, ValueType::Integer2, {9, 9}, SystemInput::Resolution),
+                      makeInput(2, ValueType::Float, {0.5})};
     program.nodes = {makeNode("uniform"), makeNode("blur", {0})};
     for (ProgramNode& node : program.nodes) node.resolution = boundTo(0);
     parameter(program.nodes[1], "sigma") = boundTo(1);
@@ -27,9 +26,9 @@ Program bottom() {
 // Blurs an image from outside. Uids: amount 22, resolution 21, image 23; output 31.
 Program top() {
     Program program;
-    program.inputs = {makeInput(22, floats({0.25f})), makeInput(23, image()),
-                      makeInput(21, integers({7, 7}), SystemInput::Resolution)};
-    program.nodes = {makeNode("imageInput", {-1}), makeNode("blur", {0})};
+    program.inputs = {makeInput(22, ValueType::Float, {0.25}), makeInput(23, ValueType::Image),
+                      makeInput(21, ValueType::Integer2, {7, 7}, SystemInput::Resolution)};
+    program.nodes = {makeNode("imageInput"), makeNode("blur", {0})};
     for (ProgramNode& node : program.nodes) node.resolution = boundTo(2);
     parameter(program.nodes[0], "image") = boundTo(1);
     parameter(program.nodes[1], "sigma") = boundTo(0);
@@ -38,11 +37,9 @@ Program top() {
 }
 
 std::string trace;
-std::thread::id callbackThread;
 
 void onText(SubstanceLinkerHandle*, unsigned int index, const char* text) {
     trace += "text " + std::to_string(index) + " " + text + "\n";
-    callbackThread = std::this_thread::get_id();
 }
 
 void onBytes(SubstanceLinkerHandle*, unsigned int index, const unsigned char* bytes, size_t count) {
@@ -64,12 +61,11 @@ protected:
     void TearDown() override { EXPECT_EQ(substanceLinkerContextRelease(context), 0u); }
 
     void setCallbacks() {
-        EXPECT_EQ(substanceLinkerContextSetCallback(context, SubstanceLinkerCallbackText,
-                                                    reinterpret_cast<SubstanceLinkerCallback>(onText)),
-                  0u);
-        EXPECT_EQ(substanceLinkerContextSetCallback(context, SubstanceLinkerCallbackBytes,
-                                                    reinterpret_cast<SubstanceLinkerCallback>(onBytes)),
-                  0u);
+        const auto set = [&](unsigned int kind, SubstanceLinkerCallback callback) {
+            EXPECT_EQ(substanceLinkerContextSetCallback(context, kind, callback), 0u);
+        };
+        set(SubstanceLinkerCallbackText, reinterpret_cast<SubstanceLinkerCallback>(onText));
+        set(SubstanceLinkerCallbackBytes, reinterpret_cast<SubstanceLinkerCallback>(onBytes));
     }
 
     unsigned int push(const Bytes& bytes) {
@@ -121,8 +117,7 @@ TEST_F(Linker, NullAndUnknownCodesAreRefused) {
     const unsigned char* data = reinterpret_cast<const unsigned char*>("");
     size_t size = 1;
     EXPECT_NE(substanceLinkerHandleLink(nullptr, &data, &size), 0u);
-    EXPECT_EQ(data, nullptr);
-    EXPECT_EQ(size, 0u);
+    EXPECT_TRUE(data == nullptr && size == 0);
     EXPECT_NE(substanceLinkerHandleLink(handle, nullptr, &size), 0u);
     EXPECT_NE(substanceLinkerHandleLink(handle, &data, nullptr), 0u);
 }
@@ -133,7 +128,6 @@ TEST_F(Linker, PushDeliversTextAndBytes) {
     EXPECT_EQ(push(encodePackage({"<bottom/>", encodeAssembly(bottom())})), 0u);
     EXPECT_EQ(push(encodeAssembly(top())), 0u);
     EXPECT_EQ(trace, "text 1 <bottom/>\nbytes 1 assembly\ntext 2 \nbytes 2 assembly\n");
-    EXPECT_EQ(callbackThread, std::this_thread::get_id());
 }
 
 TEST_F(Linker, UnreadableDataSpoilsTheHandle) {
@@ -200,19 +194,6 @@ TEST_F(Linker, RefusalsChangeNothing) {
     EXPECT_NE(substanceLinkerFuseInputs(handle, 1, 21), 0u) << "fused already";
 }
 
-TEST_F(Linker, CycleThroughFusedInputsIsRefused) {
-    Program second = top();
-    second.inputs[1].uid = 43;
-    second.outputs[0].uid = 51;
-    push(top());
-    push(second);
-    // Both programs now read the input of the second one, which the first one's output may not feed any more.
-    EXPECT_EQ(substanceLinkerFuseInputs(handle, 43, 23), 0u);
-    const std::string before = link();
-    EXPECT_NE(substanceLinkerConnectOutputToInput(handle, 43, 31), 0u);
-    EXPECT_EQ(link(), before);
-}
-
 TEST_F(Linker, GraphStackedOnItself) {
     push(top());
     push(top());
@@ -229,22 +210,15 @@ TEST_F(Linker, GraphStackedOnItself) {
                       "output 31 node 3 format 0 mipmaps 1\n");
 }
 
-TEST_F(Linker, EqualUids) {
-    Program below = bottom();
-    below.inputs = {makeInput(1, integers({9, 9})), makeInput(2, floats({0.5f})), makeInput(5, floats({1})),
-                    makeInput(5, integers({1})), makeInput(5, integers({2}))};
-    Program above = bottom();
-    push(below);
-    push(above);
-    // The second input of a fusion is that of the later program, even if the earlier one has its uid too.
-    EXPECT_NE(substanceLinkerFuseInputs(handle, 5, 1), 0u) << "another type";
-    EXPECT_EQ(substanceLinkerFuseInputs(handle, 5, 2), 0u);
-    const std::string linked = link();
-    EXPECT_EQ(linked.substr(0, linked.find("node")), "input 1 role 0 8:9,9\n"
-                                                     "input 2 role 0 0:0.5\n"
-                                                     "input 5 role 0 0:1\n"
-                                                     "input 5 role 0 4:1\n");
-    EXPECT_NE(linked.find("node blur [ 2 ] {2} "), std::string::npos);
+TEST_F(Linker, FusionsGoByTypeAndKeepProgramsAcyclic) {
+    Program second = top();
+    second.inputs[1].uid = 43;
+    second.outputs[0].uid = 51;
+    push(top());
+    push(second);
+    EXPECT_NE(substanceLinkerFuseInputs(handle, 22, 21), 0u) << "another type";
+    EXPECT_EQ(substanceLinkerFuseInputs(handle, 43, 23), 0u);
+    EXPECT_NE(substanceLinkerConnectOutputToInput(handle, 43, 31), 0u) << "feeds both programs now";
 }
 
 } // namespace

@@ -29,7 +29,7 @@ inline ProgramInput makeInput(std::uint32_t uid, ValueType type, const std::vect
 }
 
 inline Binding constantly(const Value& constant) {
-    return {Binding::constantOnly, constant};
+    return {Binding::constantOnly, constant, 1.0f, 0.0f};
 }
 
 inline Binding boundTo(std::int32_t input, float scale = 1.0f, float offset = 0.0f) {
@@ -39,7 +39,9 @@ inline Binding boundTo(std::int32_t input, float scale = 1.0f, float offset = 0.
 // All parameters have their defaults.
 inline ProgramNode makeNode(std::string_view kindName, std::vector<std::int32_t> sources = {}) {
     const NodeKind& kind = *findNodeKind(kindName);
-    ProgramNode node{kind.code, std::move(sources)};
+    ProgramNode node;
+    node.kind = kind.code;
+    node.sources = std::move(sources);
     node.sources.resize(kind.ports.size(), ProgramNode::unconnected);
     for (const ParameterInfo& info : kind.parameters) {
         const auto& numbers = info.defaultValue;
@@ -59,7 +61,8 @@ inline Binding& parameter(ProgramNode& node, std::string_view name) {
 
 // A picture under an image: inputs of several types, each bound.
 inline Program sampleProgram() {
-    Program program{77};
+    Program program;
+    program.uid = 77;
     program.inputs = {makeInput(1, ValueType::Integer2, {9, 10}, SystemInput::Resolution),
                       makeInput(2, ValueType::Integer, {3}, SystemInput::Seed),
                       makeInput(3, ValueType::Float, {0.25}), makeInput(4, ValueType::Image),

@@ -22,7 +22,8 @@ const BrokenRule brokenRules[] = {
     {"program", "too many nodes", [](Program& p) { p.nodes.resize(maxProgramNodes + 1); }},
     {"program", "too many outputs", [](Program& p) { p.outputs.resize(maxProgramOutputs + 1); }},
     {"input 2", "no type", [](Program& p) { p.inputs[2].type = static_cast<ValueType>(7); }},
-    {"input 2", "another type", [](Program& p) { p.inputs[2].defaultValue = integers({1}); }},
+    {"input 2", "another type",
+     [](Program& p) { p.inputs[2].defaultValue = makeValue(ValueType::Integer, {1}); }},
     {"input 2", "not finite", [](Program& p) { p.inputs[2].defaultValue.floats[0] = INFINITY; }},
     {"input 2", "no role", [](Program& p) { p.inputs[2].role = static_cast<SystemInput>(3); }},
     {"input 1", "two integers", [](Program& p) { p.inputs[1].role = SystemInput::Resolution; }},
@@ -34,21 +35,13 @@ const BrokenRule brokenRules[] = {
     {"node 2 (blend)", "no earlier node", [](Program& p) { p.nodes[2].sources[2] = -2; }},
     {"node 2 (blend)", "1 parameters instead of 2", [](Program& p) { p.nodes[2].parameters.pop_back(); }},
     {"node 2 (blend), parameter mode", "constant has another type",
-     [](Program& p) { parameter(p.nodes[2], "mode").constant = floats({1}); }},
+     [](Program& p) { parameter(p.nodes[2], "mode").constant = makeValue(ValueType::Float, {1}); }},
     {"node 1 (imageInput), parameter fallback", "constant is not finite",
      [](Program& p) { parameter(p.nodes[1], "fallback").constant.floats[3] = notANumber; }},
     {"node 2 (blend), parameter opacity", "no input",
      [](Program& p) { parameter(p.nodes[2], "opacity").input = 5; }},
-    {"node 2 (blend), parameter opacity", "no input",
-     [](Program& p) { parameter(p.nodes[2], "opacity").input = -2; }},
     {"node 2 (blend), parameter opacity", "cannot drive",
      [](Program& p) { parameter(p.nodes[2], "opacity").input = 4; }},
-    {"node 2 (blend), parameter opacity", "cannot drive",
-     [](Program& p) { parameter(p.nodes[2], "opacity").input = 3; }},
-    {"node 1 (imageInput), parameter image", "cannot drive",
-     [](Program& p) { parameter(p.nodes[1], "image").input = 2; }},
-    {"node 2 (blend), parameter mode", "cannot drive",
-     [](Program& p) { parameter(p.nodes[2], "mode").input = 2; }},
     {"node 2 (blend), parameter opacity", "scale or offset is not finite",
      [](Program& p) { parameter(p.nodes[2], "opacity").scale = notANumber; }},
     {"node 2 (blend), parameter mode", "for floats only",
@@ -63,6 +56,7 @@ const BrokenRule brokenRules[] = {
 };
 
 TEST(Verifier, RulesAreReportedAlone) {
+    EXPECT_TRUE(verify(sampleProgram()).empty());
     for (const BrokenRule& rule : brokenRules) {
         Program program = sampleProgram();
         rule.breakIt(program);
@@ -73,11 +67,6 @@ TEST(Verifier, RulesAreReportedAlone) {
     }
 }
 
-TEST(Verifier, SoundProgramHasNoProblems) {
-    EXPECT_TRUE(verify(sampleProgram()).empty());
-    EXPECT_TRUE(verify({}).empty());
-}
-
 TEST(Verifier, ListOfProblemsEnds) {
     Program program;
     program.nodes.resize(maxProgramNodes);
@@ -86,14 +75,13 @@ TEST(Verifier, ListOfProblemsEnds) {
 
 // A letter for each parameter type in the order of the columns: what the row's input may drive.
 TEST(Verifier, InputsDriveParameters) {
-    const ValueType types[] = {ValueType::Float,    ValueType::Float2,   ValueType::Float3,
-                               ValueType::Float4,   ValueType::Integer,  ValueType::Integer2,
-                               ValueType::Integer3, ValueType::Integer4, ValueType::Image};
     const char* const rows[] = {"yyyy.....", ".y.......", "..yy.....", "...y.....", "yyyyyyyy.",
                                 ".y...y...", "..yy..yy.", "...y...y.", "........y"};
+    const std::uint32_t types[] = {0, 1, 2, 3, 4, 8, 9, 10, 5};
     for (std::size_t input = 0; input < 9; ++input) {
         std::string row;
-        for (const ValueType parameterType : types) row += canDrive(types[input], parameterType) ? 'y' : '.';
+        for (const std::uint32_t type : types)
+            row += canDrive(static_cast<ValueType>(types[input]), static_cast<ValueType>(type)) ? 'y' : '.';
         EXPECT_EQ(row, rows[input]) << "row " << input;
     }
 }

@@ -17,9 +17,11 @@ public:
     explicit DuringTheNextRun(const std::function<void()>& action) {
         recording::onNextStart([this, action](const Start& start) {
             thread = std::thread([this, action] {
+                begun = true;
                 action();
                 happened = true;
             });
+            while (!begun) std::this_thread::yield();
             for (int i = 0; i < 2000 && !happened; ++i) std::this_thread::yield();
             EXPECT_FALSE(happened) << "it did not wait";
             return start.reportAll();
@@ -29,7 +31,7 @@ public:
 
 private:
     std::thread thread;
-    std::atomic<bool> happened{false};
+    std::atomic<bool> begun{false}, happened{false};
 };
 
 TEST_F(RendererTest, ADyingGraphWaitsForTheRunInProgress) {

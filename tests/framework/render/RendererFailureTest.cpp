@@ -95,22 +95,22 @@ TEST_F(RendererTest, CallbacksOfManyThreadsReachTheirOutputsOnce) {
 }
 
 TEST_F(RendererTest, CallbacksThatNobodyAskedForDoNothing) {
-    graph.height().enabled = false;
+    graph.output().enabled = false;
     recording::onNextStart([](const Start& start) {
-        start.report({1, start.reports[0].job});
-        start.report({1, nullptr});
+        start.report({0, start.reports[0].job});
+        start.report({0, nullptr});
         return start.reportAll();
     });
     render({&graph});
     EXPECT_EQ(linesWith(recording::takeTrace(), {"Completed(", "GetOutput"}),
-              R"(outputCompleted(handle1, 1:p.height, job1)
-substanceHandleGetOutputDesc(handle1, 1)
-outputCompleted(handle1, 1:p.height, null)
-outputCompleted(handle1, 0:p.Output, job1)
+              R"(outputCompleted(handle1, 0:p.Output, job1)
 substanceHandleGetOutputDesc(handle1, 0)
-substanceHandleGetOutputs(handle1, 0, 0, 1, buffer1)
+outputCompleted(handle1, 0:p.Output, null)
+outputCompleted(handle1, 1:p.height, job1)
+substanceHandleGetOutputDesc(handle1, 1)
+substanceHandleGetOutputs(handle1, 0, 1, 1, buffer1)
 )");
-    EXPECT_EQ(graph.take(), "Output 1; height 0 dirty; ");
+    EXPECT_EQ(graph.take(), "Output 0 dirty; height 1; ");
 }
 
 TEST_F(RendererTest, WaitingJobsForgetGraphsThatDie) {
