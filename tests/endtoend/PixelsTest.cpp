@@ -1,6 +1,8 @@
 // The whole way with the embedded linker and engine: from package bytes to pixels.
 #include "bridge/Bridge.h"
 #include "embedded/compiler/Compiler.h"
+#include "framework/description/PackageDesc.h"
+#include "support/Numbers.h"
 
 #include <gtest/gtest.h>
 
@@ -202,6 +204,46 @@ TEST(Samples, RenderUnderEveryTopAndFollowTheirInputs) {
                 EXPECT_TRUE(bytesOf(edited) != bytesOf(before)) << identifier.asChar();
                 const Image after = edit(material, identifier.asChar(), [](auto& input) { input.reset(); });
                 EXPECT_TRUE(bytesOf(after) == bytesOf(before)) << identifier.asChar();
+            }
+        }
+    }
+}
+
+void applyPreset(Substance& material, const SubstanceAir::Preset& preset) {
+    for (const auto& value : preset.inputValues) {
+        auto* const input = dynamic_cast<kvSubstance::SubstanceInput*>(material.getEntity(value.uid));
+        ASSERT_TRUE(input) << preset.label << " " << value.identifier;
+        const auto numbers = kvUtil::split(value.value.c_str(), ',', true, false);
+        for (size_t k = 0; k < numbers.size(); ++k) {
+            const int component = static_cast<int>(k);
+            if (input->getType() & 0x20)
+                input->setValueI(support::leadingInteger(numbers[k].asChar()), component);
+            else
+                input->setValueF(support::leadingFloat(numbers[k].asChar()), component);
+        }
+    }
+}
+
+// Every preset of every sample, saved and restored: the same values and the same pixels.
+TEST(Samples, PresetsSurviveTheStateString) {
+    for (const std::string bottom : {"bottoms/brick_wall", "bottoms/marble", "bottoms/rusted_steel"}) {
+        for (const std::string top : {"tops/edge_wear", "tops/moss_overgrowth"}) {
+            const kv::vector<char> contents[] = {sample(bottom), sample(top)};
+            for (const kv::vector<char>& content : contents) {
+                const SubstanceAir::PackageDesc package(content.data(), content.size(), nullptr);
+                for (const SubstanceAir::Preset& preset : package.graphs().front().presets) {
+                    const auto saved = kvSubstance::createSubstance(contents[0], contents[1]);
+                    applyPreset(*saved, preset);
+                    saved->getInput("$resolution")->setValue2I(6, 6);
+                    const kvString::CString state = saved->getStateString();
+                    saved->applyStateString(state); // rounds to six decimals
+                    const auto restored = kvSubstance::createSubstance(contents[0], contents[1]);
+                    restored->applyStateString(state);
+                    EXPECT_STREQ(restored->getStateString().asChar(), state.asChar());
+                    EXPECT_TRUE(bytesOf(kvSubstance::getTextureFromSubstance(restored.get())) ==
+                                bytesOf(kvSubstance::getTextureFromSubstance(saved.get())))
+                        << preset.label;
+                }
             }
         }
     }

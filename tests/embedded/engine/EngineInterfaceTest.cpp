@@ -212,9 +212,6 @@ TEST(EngineInterface, readsImagesAtOnce) {
                                              {pixels, 2, 16385, 0, 0, 1}};
     for (const auto& record : refused) EXPECT_NE(engine.set(1, SubstanceInputImage, &record), 0u);
     EXPECT_EQ(engine.run({shownUid}), own);
-    EXPECT_EQ(engine.set(1, SubstanceInputImage, nullptr), 0u);
-    EXPECT_EQ(engine.run({shownUid}), fallback);
-    EXPECT_EQ(engine.set(1, SubstanceInputImage, &image), 0u);
     image.pixels = nullptr;
     EXPECT_EQ(engine.set(1, SubstanceInputImage, &image), 0u);
     EXPECT_EQ(engine.run({shownUid}), fallback);

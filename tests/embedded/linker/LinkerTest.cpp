@@ -161,6 +161,8 @@ TEST_F(Linker, StackIsConnectedAndFused) {
     EXPECT_EQ(substanceLinkerFuseInputs(handle, 1, 21), 0u);
     EXPECT_EQ(substanceLinkerHandleSetOutputFormat(handle, 31, 32, 4), 0u);
     EXPECT_EQ(substanceLinkerHandleSetOutputFormat(handle, 11, 66, 4000000000u), 0u);
+    EXPECT_NE(substanceLinkerConnectOutputToInput(handle, 23, 11), 0u) << "fed already";
+    EXPECT_NE(substanceLinkerFuseInputs(handle, 1, 21), 0u) << "fused already";
     EXPECT_EQ(link(), "input 1 role 1 8:9,9\n"
                       "input 2 role 0 0:0.5\n"
                       "input 22 role 0 0:0.25\n"
@@ -187,27 +189,6 @@ TEST_F(Linker, RefusalsChangeNothing) {
     EXPECT_NE(substanceLinkerHandleSetOutputFormat(handle, 31, 1, 2), 0u);
     EXPECT_NE(substanceLinkerHandleSelectOutputs(handle, 0, 99), 0u);
     EXPECT_EQ(link(), before);
-
-    EXPECT_EQ(substanceLinkerConnectOutputToInput(handle, 23, 11), 0u);
-    EXPECT_NE(substanceLinkerConnectOutputToInput(handle, 23, 11), 0u) << "fed already";
-    EXPECT_EQ(substanceLinkerFuseInputs(handle, 1, 21), 0u);
-    EXPECT_NE(substanceLinkerFuseInputs(handle, 1, 21), 0u) << "fused already";
-}
-
-TEST_F(Linker, GraphStackedOnItself) {
-    push(top());
-    push(top());
-    EXPECT_EQ(substanceLinkerConnectOutputToInput(handle, 23, 31), 0u);
-    EXPECT_EQ(substanceLinkerFuseInputs(handle, 21, 21), 0u);
-    // One input of each uid drives both; the bottom still has its image; the output is that of the top.
-    EXPECT_EQ(link(), "input 22 role 0 0:0.25\n"
-                      "input 23 role 0 5:\n"
-                      "input 21 role 1 8:7,7\n"
-                      "node imageInput [ -1 ] {1} 4:1 3:0.5,0.5,0.5,1 resolution {2} seed 4:0\n"
-                      "node blur [ 0 ] {0} resolution {2} seed 4:0\n"
-                      "node imageInput [ 1 ] 5: 4:1 3:0.5,0.5,0.5,1 resolution {2} seed 4:0\n"
-                      "node blur [ 2 ] {0} resolution {2} seed 4:0\n"
-                      "output 31 node 3 format 0 mipmaps 1\n");
 }
 
 TEST_F(Linker, FusionsGoByTypeAndKeepProgramsAcyclic) {

@@ -90,7 +90,7 @@ TEST_F(Packages, FormatsAndMipmapsGoByTheOptions) {
 
 TEST_F(Packages, ABrokenDescriptionGivesNoGraphsAndIsNotRegistered) {
     for (const char* const xml :
-         {"", "text", "<sbsdescription><graphs/></sbsdescription>", "<other asmuid='1002'><graphs/></other>",
+         {"text", "<sbsdescription><graphs/></sbsdescription>", "<other asmuid='1002'><graphs/></other>",
           "<sbsdescription asmuid='1002'><!--graphs--></sbsdescription>"}) {
         EXPECT_EQ(print(load(xml)->graphs()), "") << xml;
         EXPECT_FALSE(isTaken(1002)) << xml;
@@ -140,16 +140,6 @@ TEST_F(Packages, CopiesOfAGraphOwnTheirInputsAndTakeNeitherPresetsNorParent) {
     EXPECT_EQ(copy.packageUrl, "pkg://plain");
     EXPECT_EQ(copy.parent, package.get());
     EXPECT_EQ(copy.presets.size(), 2u);
-}
-
-TEST_F(Packages, TheKeyStaysWithPackagesThatHaveNoGraphs) {
-    auto first = load(graphsXml("1004", "", 1));
-    EXPECT_TRUE(isTaken(1004));
-    first.reset();
-    EXPECT_FALSE(isTaken(1004));
-
-    load(graphsXml("1005", "", 0));
-    EXPECT_TRUE(isTaken(1005));
 }
 
 TEST_F(Packages, TakeWhatTheLinkerDelivers) {
