@@ -170,8 +170,9 @@ TEST(Compiler, AllErrorsInOneGo) {
     std::string lines;
     for (const Diagnostic& diagnostic : result.diagnostics)
         lines += std::to_string(diagnostic.place.line) + " ";
-    EXPECT_EQ(lines, "1 2 3 4 5 6 7 8 8 9 9 10 11 12 14 15 16 17 18 19 20 21 21 21 22 22 23 24 24 25 26 26 "
-                     "26 26 26 27 27 27 27 28 29 29 30 31 32 33 ");
+    EXPECT_EQ(lines,
+              "1 2 3 4 5 6 6 7 7 8 10 12 13 14 15 15 15 16 16 17 18 18 19 20 20 20 20 20 21 21 21 21 22 23 "
+              "23 24 25 26 27 ");
 }
 
 TEST(Compiler, WarningsLeaveAPackage) {

@@ -30,13 +30,11 @@ TEST(Package, RoundTripAtAnyAddress) {
 TEST(Package, OtherFilesAreRefused) {
     Program unsound = sampleProgram();
     unsound.nodes[2].sources[0] = 2;
-    const Bytes package = encodePackage({"text", {}});
-    for (const Bytes& bytes : {encodeAssembly(unsound), package})
+    for (const Bytes& bytes :
+         {encodeAssembly(unsound), encodePackage({std::string("a\0b", 3), {1}}), Bytes()}) {
         EXPECT_FALSE(decodeAssembly(bytes.data(), bytes.size()));
-    for (const Bytes& bytes : {encodeAssembly(sampleProgram()), encodePackage({std::string("a\0b", 3), {1}})})
         EXPECT_FALSE(decodePackage(bytes.data(), bytes.size()));
-    EXPECT_FALSE(decodePackage(nullptr, 0));
-    EXPECT_FALSE(decodeAssembly(nullptr, 8));
+    }
 }
 
 // What is accepted has to be sound.
