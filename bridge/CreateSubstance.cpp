@@ -25,7 +25,7 @@ using Immortals = std::vector<std::unique_ptr<PackageDesc>>;
 
 Immortals& immortals(size_t room) {
     static Immortals* const kept = new Immortals;
-    kept->reserve(kept->size() + room);
+    if (kept->capacity() < kept->size() + room) kept->reserve(2 * kept->size() + room);
     return *kept;
 }
 
