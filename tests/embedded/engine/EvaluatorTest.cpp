@@ -118,6 +118,11 @@ TEST(Evaluator, refusesRunsThatDoNotFitIntoMemory) {
     EXPECT_NO_THROW(run(peak));
     EXPECT_THROW(run(peak - 1), std::bad_alloc);
 
+    std::int32_t last = 0;
+    for (int i = 0; i < 20; ++i) last = builder.node("levels", {last});
+    builder.program.outputs.push_back({2, last, 0, 0}); // of a chain only two images are held at a time
+    EXPECT_LT(makeSchedule(builder.program, {1}, {}).peakBytes, 2 * peak);
+
     const std::vector<std::size_t> manyTextures(64, 0); // all of them wait to be fetched at the end
     EXPECT_GE(makeSchedule(builder.program, manyTextures, {}).peakBytes, 64u * 256 * 256 * 4);
 }

@@ -82,6 +82,7 @@ TEST_F(Stacks, ConnectByNames) {
         {"a b/X", "B x A", "1>103 2>101 2>102 "}, // identifiers and labels, in any letter case
         {"//normal r//roughness", "NORMAL roughness", "1>101 2>102 "}, // usages
         {"a/b/normal b c", "b normal", "2>101 1>102 "},         // identifiers before labels before usages
+        {"zz yy", "zz/yy", "2>101 "},                           // the name that sorts first decides
         {"//height", "bump", "1>101 "},                         // a usage that stands in for another
         {"//height", "bump Height", "1>102 "},                  // unless an input has the name itself
         {"s//roughness", "Glossiness specularLevel", "1>102 "}, // the first of the chain gets the rest of it
