@@ -142,14 +142,20 @@ private:
 SignalBase::SignalBase() = default;
 
 SignalBase::~SignalBase() {
-    if (!body) return;
+    if (!hasBody) return;
     Connection::endAll(body->received);
     Connection::endAll(body->emitted);
 }
 
 // Most signals of a large material never have a connection, so they do without until the first.
 const std::shared_ptr<SignalBase::Body>& SignalBase::ensureBody() {
-    if (!body) body = std::make_shared<Body>();
+    static std::mutex making;
+    if (hasBody) return body;
+    const std::lock_guard<std::mutex> hold(making);
+    if (!hasBody) {
+        body = std::make_shared<Body>();
+        hasBody = true;
+    }
     return body;
 }
 
@@ -162,11 +168,11 @@ void SignalBase::connect(const FunctionVoid& callback, SignalBase& receiver) {
 }
 
 int SignalBase::numConnections() const {
-    return body ? body->emitted.countLasting() : 0;
+    return hasBody ? body->emitted.countLasting() : 0;
 }
 
 SignalWalk::SignalWalk(SignalBase& signal)
-    : body(signal.body) {
+    : body(signal.hasBody ? signal.body : nullptr) {
     if (body) body->emitted.beginWalk();
 }
 

@@ -4,15 +4,23 @@
 #include "embedded/nodes/Cellular.h"
 #include "embedded/nodes/ChannelMerge.h"
 #include "embedded/nodes/ChannelSplit.h"
+#include "embedded/nodes/Curve.h"
+#include "embedded/nodes/DirectionalBlur.h"
+#include "embedded/nodes/Distance.h"
 #include "embedded/nodes/FractalNoise.h"
 #include "embedded/nodes/GradientMap.h"
+#include "embedded/nodes/HueSaturationLightness.h"
 #include "embedded/nodes/ImageInput.h"
 #include "embedded/nodes/Levels.h"
 #include "embedded/nodes/NodeKind.h"
 #include "embedded/nodes/Normal.h"
+#include "embedded/nodes/Shape.h"
 #include "embedded/nodes/Transform.h"
 #include "embedded/nodes/Uniform.h"
 #include "embedded/nodes/Warp.h"
+#include "embedded/nodes/Wave.h"
+#include "embedded/nodes/Weave.h"
+#include "embedded/nodes/WhiteNoise.h"
 
 #include <algorithm>
 
@@ -20,9 +28,28 @@ namespace embedded {
 
 const std::vector<NodeKind>& nodeKinds() {
     static const std::vector<NodeKind> kinds = {
-        uniformKind(),   imageInputKind(), fractalNoiseKind(), cellularKind(),     bricksKind(),
-        blendKind(),     levelsKind(),     gradientMapKind(),  blurKind(),         warpKind(),
-        transformKind(), normalKind(),     channelSplitKind(), channelMergeKind(),
+        uniformKind(),
+        imageInputKind(),
+        fractalNoiseKind(),
+        cellularKind(),
+        bricksKind(),
+        blendKind(),
+        levelsKind(),
+        gradientMapKind(),
+        blurKind(),
+        warpKind(),
+        transformKind(),
+        normalKind(),
+        channelSplitKind(),
+        channelMergeKind(),
+        waveKind(),
+        shapeKind(),
+        whiteNoiseKind(),
+        weaveKind(),
+        hueSaturationLightnessKind(),
+        curveKind(),
+        directionalBlurKind(),
+        distanceKind(),
     };
     return kinds;
 }

@@ -3,6 +3,7 @@
 
 #include "platform/base/Export.h"
 
+#include <atomic>
 #include <memory>
 
 namespace kvRTB {
@@ -69,7 +70,8 @@ private:
     friend class SignalWalk;
     const std::shared_ptr<Body>& ensureBody();
 
-    std::shared_ptr<Body> body; // null until there is a connection
+    std::shared_ptr<Body> body; // made with the first connection, then the same for good
+    std::atomic<bool> hasBody{false};
 };
 
 // A walk over a signal's connections in their order. It keeps the list and its items alive, whatever the

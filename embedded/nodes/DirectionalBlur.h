@@ -1,0 +1,10 @@
+// Blur along a line.
+#pragma once
+
+#include "embedded/nodes/NodeKind.h"
+
+namespace embedded {
+
+NodeKind directionalBlurKind();
+
+} // namespace embedded
