@@ -49,19 +49,11 @@ std::string withFreshUids(std::string xml) {
 }
 
 std::string packageBytes(const std::string& descriptionXml, const std::string& tag) {
-    return "package:" + tag + "\n" + descriptionXml;
-}
-
-void setDeliveries(const std::vector<Delivery>& deliveries) {
-    Locked()->session.deliveries = deliveries;
+    return "assembly:" + tag + "\n" + descriptionXml;
 }
 
 void fail(const std::string& function, unsigned int call) {
     Locked()->session.failures[function] = call;
-}
-
-void setEngineInputs(const std::vector<EngineInput>& inputs) {
-    Locked()->session.engineInputs = inputs;
 }
 
 void setTexture(const Texture& texture) {

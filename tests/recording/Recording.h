@@ -35,7 +35,7 @@ void echoToStandardError();
 // ---- Ownership
 
 // Every misuse so far, one a line: second release, use after release or while the engine runs, a foreign
-// buffer, an engine context released before its handles.
+// buffer.
 std::string misuses();
 unsigned int liveTextures(); // buffers handed out and not freed
 
@@ -51,24 +51,11 @@ std::string withFreshUids(std::string xml);
 // "assembly:TAG". Bytes of any other kind cannot be read.
 std::string packageBytes(const std::string& descriptionXml, const std::string& tag);
 
-// What a push delivers, in order; the default is { Text, Bytes }.
-enum class Delivery { Text, Bytes, NullText, NullBytes };
-void setDeliveries(const std::vector<Delivery>& deliveries);
-
 // ---- Script of the engine
 
 // The call'th call from now of the function returns 7 and does nothing else, but for out-parameters set to
 // null and zero. A failing push of a package delivers nothing readable.
 void fail(const std::string& function, unsigned int call = 1);
-
-struct EngineInput {
-    unsigned int uid;
-    int type;
-};
-
-// The inputs of handles made from now on. By default they follow from the descriptions of the pushed
-// packages, in their order, less those that connections feed or fusions join.
-void setEngineInputs(const std::vector<EngineInput>& inputs);
 
 // What finished textures look like.
 struct Texture {

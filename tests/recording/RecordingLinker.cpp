@@ -4,7 +4,6 @@
 #include <tinyxml.h>
 
 #include <algorithm>
-#include <cstdlib>
 
 using namespace recording;
 
@@ -14,18 +13,18 @@ const std::string assemblyPrefix = "assembly:";
 
 // The assembly that the bytes are, or that the package in them is taken apart into; empty when neither.
 std::string assemblyOf(const std::string& bytes) {
-    const std::string packagePrefix = "package:";
     if (state().descriptions.count(bytes)) return bytes;
     const size_t lineEnd = bytes.find('\n');
-    if (bytes.rfind(packagePrefix, 0) != 0 || lineEnd == std::string::npos) return "";
-    const std::string tag = bytes.substr(packagePrefix.size(), lineEnd - packagePrefix.size());
-    state().descriptions[assemblyPrefix + tag] = bytes.substr(lineEnd + 1);
-    return assemblyPrefix + tag;
+    if (lineEnd == std::string::npos) return "";
+    const std::string assembly = bytes.substr(0, lineEnd);
+    state().descriptions[assembly] = bytes.substr(lineEnd + 1);
+    return assembly;
 }
 
-unsigned int number(const TiXmlElement& element, const char* attribute) {
-    const char* const text = element.Attribute(attribute);
-    return text ? static_cast<unsigned int>(std::strtoul(text, nullptr, 10)) : 0;
+int number(const TiXmlElement& element, const char* attribute) {
+    int value = 0; // what it stays without the attribute
+    element.QueryIntAttribute(attribute, &value);
+    return value;
 }
 
 // Adds the inputs and outputs below the element and its siblings, in their order, and names their uids.
@@ -36,12 +35,12 @@ void addPorts(const TiXmlElement* element, const std::string& tag, Program& prog
             addPorts(element->FirstChildElement(), tag, program);
             continue;
         }
-        const unsigned int uid = number(*element, "uid");
+        const auto uid = static_cast<unsigned int>(number(*element, "uid"));
         if (kind == "input")
-            program.inputs.push_back({uid, static_cast<int>(number(*element, "type"))});
+            program.inputs.push_back({uid, number(*element, "type")});
         else
             program.outputs.push_back(
-                {uid, static_cast<int>(number(*element, "format")), number(*element, "mipmaps")});
+                {uid, number(*element, "format"), static_cast<unsigned int>(number(*element, "mipmaps"))});
         const char* const identifier = element->Attribute("identifier");
         state().uidNames[uid] = tag + "." + (identifier ? identifier : "");
     }
@@ -68,9 +67,7 @@ unsigned int substanceLinkerContextInit(SubstanceLinkerContext** context, unsign
 
 unsigned int substanceLinkerContextSetCallback(SubstanceLinkerContext* context, unsigned int kind,
                                                SubstanceLinkerCallback callback) {
-    Call call(__func__, context, kind, std::string(callback ? "callback" : "null"));
-    call.require(kind == SubstanceLinkerCallbackText || kind == SubstanceLinkerCallbackBytes);
-    return call.run([&] {
+    return Call(__func__, context, kind).run([&] {
         if (kind == SubstanceLinkerCallbackText)
             context->text = reinterpret_cast<SubstanceLinkerTextCallback>(callback);
         else
@@ -115,17 +112,11 @@ unsigned int substanceLinkerHandlePushAssemblyMemory(SubstanceLinkerHandle* hand
     handle->failed = handle->failed || !call.ok();
     const unsigned int index = handle->pushes++;
     const SubstanceLinkerContext& context = *handle->context;
-    const std::vector<Delivery> deliveries = state().session.deliveries;
     const unsigned int status = call.end();
 
     const auto* const bytes = reinterpret_cast<const unsigned char*>(assembly.data());
-    for (const Delivery delivery : deliveries) {
-        const bool isNull = delivery == Delivery::NullText || delivery == Delivery::NullBytes;
-        if (delivery == Delivery::Bytes || delivery == Delivery::NullBytes)
-            context.bytes(handle, index, isNull ? nullptr : bytes, isNull ? 0 : assembly.size());
-        else
-            context.text(handle, index, isNull ? nullptr : description.c_str());
-    }
+    context.text(handle, index, description.c_str());
+    context.bytes(handle, index, bytes, assembly.size());
     return status;
 }
 
@@ -139,8 +130,9 @@ unsigned int substanceLinkerHandleSetOutputFormat(SubstanceLinkerHandle* handle,
 
 unsigned int substanceLinkerConnectOutputToInput(SubstanceLinkerHandle* handle, unsigned int inputUid,
                                                  unsigned int outputUid) {
-    Call call(__func__, handle, Uid{inputUid}, Uid{outputUid});
-    return call.run([&] { removeInput(handle->program, inputUid); });
+    return Call(__func__, handle, Uid{inputUid}, Uid{outputUid}).run([&] {
+        removeInput(handle->program, inputUid);
+    });
 }
 
 unsigned int substanceLinkerHandleSelectOutputs(SubstanceLinkerHandle* handle, unsigned int selection,
@@ -150,8 +142,9 @@ unsigned int substanceLinkerHandleSelectOutputs(SubstanceLinkerHandle* handle, u
 
 unsigned int substanceLinkerFuseInputs(SubstanceLinkerHandle* handle, unsigned int firstUid,
                                        unsigned int secondUid) {
-    Call call(__func__, handle, Uid{firstUid}, Uid{secondUid});
-    return call.run([&] { removeInput(handle->program, secondUid); });
+    return Call(__func__, handle, Uid{firstUid}, Uid{secondUid}).run([&] {
+        removeInput(handle->program, secondUid);
+    });
 }
 
 unsigned int substanceLinkerHandleLink(SubstanceLinkerHandle* handle, const unsigned char** data,
@@ -159,7 +152,7 @@ unsigned int substanceLinkerHandleLink(SubstanceLinkerHandle* handle, const unsi
     *data = nullptr;
     *size = 0;
     Call call(__func__, handle);
-    call.require(handle && !handle->failed && handle->pushes > 0);
+    call.require(handle && !handle->failed);
     return call.run([&] {
         // The number behind the printed line tells apart what was linked differently from the same
         // assemblies.

@@ -8,7 +8,6 @@
 #include <memory>
 #include <mutex>
 #include <set>
-#include <stdexcept>
 #include <string>
 #include <thread>
 #include <type_traits>
@@ -17,12 +16,19 @@
 
 namespace recording {
 
+struct EngineInput {
+    unsigned int uid;
+    int type;
+};
+
 struct EngineOutput {
     unsigned int uid;
     int format;
     unsigned int mipmaps;
 };
 
+// What follows from the descriptions of the pushed packages, in their order, less the inputs that connections
+// feed or fusions join.
 struct Program {
     std::vector<EngineInput> inputs;
     std::vector<EngineOutput> outputs;
@@ -48,8 +54,8 @@ struct SubstanceLinkerHandle_ : recording::Object {
     const char* kind() const override { return "link"; }
     SubstanceLinkerContext* context = nullptr;
     unsigned int pushes = 0;
-    bool failed = false;
-    std::string label; // "linked:" and the tags of what was pushed
+    bool failed = false; // a push: the link then fails too
+    std::string label;   // "linked:" and the tags of what was pushed
     recording::Program program;
     std::string linked;
 };
@@ -76,9 +82,7 @@ struct Session {
     std::map<std::string, std::map<const void*, unsigned int>> numbers; // of objects, by kind
     unsigned int buffersMade = 0;
 
-    std::vector<Delivery> deliveries{Delivery::Text, Delivery::Bytes};
     std::map<std::string, unsigned int> failures; // calls to go, by function
-    std::vector<EngineInput> engineInputs;        // none: as the packages say
     Texture texture;
     std::function<unsigned int(const Start&)> onStart;
 };
@@ -148,14 +152,10 @@ public:
     }
     bool ok() const { return status == 0; }
 
-    // Does what the call does, unless it fails; an index out of range makes it fail.
+    // Does what the call does, unless it fails. An index out of range ends the process.
     template <class Body>
     unsigned int run(const Body& body) {
-        try {
-            if (ok()) body();
-        } catch (const std::out_of_range&) {
-            require(false);
-        }
+        if (ok()) body();
         return end();
     }
 

@@ -8,8 +8,6 @@
 #include <cstdint>
 #include <map>
 #include <sstream>
-#include <thread>
-#include <tuple>
 #include <utility>
 
 using namespace embedded;
@@ -50,13 +48,7 @@ struct Engine {
     ~Engine() {
         EXPECT_EQ(substanceHandleRelease(handle), 0u);
         EXPECT_EQ(substanceContextRelease(context), context ? 0u : 1u);
-        if (!buffers.empty()) {
-            EXPECT_NE(substanceContextRelease(context), 0u); // the object stays for the buffers
-        }
-        freeBuffers(buffers);
-    }
-    void freeBuffers(const std::map<unsigned char*, unsigned char>& taken) const {
-        for (const auto& [buffer, firstByte] : taken) {
+        for (const auto& [buffer, firstByte] : buffers) {
             EXPECT_EQ(buffer[0], firstByte);
             EXPECT_EQ(substanceContextMemoryFree(context, buffer), 0u);
         }
@@ -109,61 +101,31 @@ struct Engine {
 
 TEST(EngineInterface, refusesNullsAndSetsOutParameters) {
     Engine engine;
-    SubstanceDevice device{};
-    auto* const stale = reinterpret_cast<SubstanceHandle*>(&device);
-    auto* context = reinterpret_cast<SubstanceContext*>(&device);
-    const unsigned int uid = tintedUid;
-
-    EXPECT_NE(substanceContextInit(nullptr, &device), 0u);
+    auto* const stale = reinterpret_cast<SubstanceHandle*>(&engine);
+    auto* context = reinterpret_cast<SubstanceContext*>(&engine);
     EXPECT_NE(substanceContextInit(&context, nullptr), 0u);
     EXPECT_EQ(context, nullptr);
-    EXPECT_NE(substanceContextSetCallback(nullptr, 2, nullptr), 0u);
-    EXPECT_NE(substanceContextSetCallback(engine.context, 3, nullptr), 0u);
-    EXPECT_NE(substanceContextMemoryFree(nullptr, &device), 0u);
-    for (void* const foreign : {static_cast<void*>(nullptr), static_cast<void*>(&device)})
-        EXPECT_NE(substanceContextMemoryFree(engine.context, foreign), 0u);
+    EXPECT_NE(substanceContextMemoryFree(engine.context, stale), 0u); // not of this context
 
     const unsigned char* const bytes = engine.assembly.data();
     const std::size_t size = engine.assembly.size();
-    EXPECT_NE(substanceHandleInit(nullptr, engine.context, bytes, size, 0), 0u);
-    const std::tuple<SubstanceContext*, const unsigned char*, std::size_t, unsigned int> refused[] = {
-        {nullptr, bytes, size, 0},
-        {engine.context, nullptr, size, 0},
-        {engine.context, bytes, size / 2, 0},
-        {engine.context, bytes, size, 1}};
-    for (const auto& [owner, data, length, mode] : refused) {
+    for (const std::size_t length : {std::size_t{0}, size / 2}) {
         SubstanceHandle* handle = stale;
-        EXPECT_NE(substanceHandleInit(&handle, owner, data, length, mode), 0u);
+        EXPECT_NE(substanceHandleInit(&handle, engine.context, bytes, length, 0), 0u);
         EXPECT_EQ(handle, nullptr);
     }
 
-    SubstanceDataDesc desc{9, 9};
-    SubstanceInputDesc inputDesc{9, 9, 9};
     SubstanceOutputDesc outputDesc{9, 9};
     SubstanceTexture texture{stale, 1, 1, 1, 1, 1};
-    EXPECT_NE(substanceHandleGetDesc(nullptr, &desc), 0u);
-    EXPECT_NE(substanceHandleGetDesc(engine.handle, nullptr), 0u);
-    EXPECT_NE(substanceHandleGetInputDesc(engine.handle, 3, &inputDesc), 0u);
     EXPECT_NE(substanceHandleGetOutputDesc(engine.handle, 4, &outputDesc), 0u);
-    EXPECT_EQ(desc.inputsCount + desc.outputsCount + inputDesc.uid + outputDesc.uid, 0u);
+    EXPECT_EQ(outputDesc.uid, 0u);
     EXPECT_NE(substanceHandleGetOutputs(engine.handle, 0, 0, 1, &texture), 0u); // nothing was computed
     EXPECT_EQ(texture.buffer, nullptr);
-    EXPECT_NE(substanceHandleGetOutputs(nullptr, 0, 0, 1, &texture), 0u);
-    EXPECT_NE(substanceHandleGetOutputs(engine.handle, 0, 0, 1, nullptr), 0u);
-    EXPECT_EQ(substanceHandleGetParentContext(nullptr), nullptr);
-    EXPECT_EQ(substanceHandleGetParentContext(engine.handle), engine.context);
-    EXPECT_NE(substanceHandlePushSetInput(nullptr, 0, 0, SubstanceInputFloat3, &device, 0), 0u);
-    EXPECT_NE(substanceHandlePushOutputs(nullptr, 2, &uid, 1, nullptr), 0u);
-    EXPECT_NE(substanceHandlePushOutputs(engine.handle, 2, nullptr, 1, nullptr), 0u);
-    EXPECT_NE(substanceHandlePushOutputs(engine.handle, 0, &uid, 1, nullptr), 0u); // not uids
-    EXPECT_NE(substanceHandleStart(nullptr, 0), 0u);
-    EXPECT_NE(substanceHandleRelease(nullptr), 0u);
 }
 
 TEST(EngineInterface, computesWhatWasPushedAndKeepsValues) {
     Engine engine;
     const float green[] = {0, 1, 0}, white[] = {1, 1, 1};
-    EXPECT_EQ(engine.run(), ""); // nothing was asked for
     EXPECT_EQ(engine.run({tintedUid, 999, grayUid, tintedUid}),
               "0: 2x1, 0, 1: 255 0 0 255\n2: 2x1, 65, 2: 54\n");
     EXPECT_EQ(engine.run(), ""); // the queue is empty again
@@ -186,8 +148,6 @@ TEST(EngineInterface, refusesValuesThatDoNotFitAndKeepsTheOldOnes) {
     const auto* const unreadable = reinterpret_cast<const void*>(std::uintptr_t{16}); // refused unread
     for (const int type : {int{SubstanceInputFloat4}, int{SubstanceInputImage}, 77})
         EXPECT_NE(engine.set(0, type, unreadable), 0u) << type;
-    EXPECT_NE(engine.set(3, SubstanceInputFloat3, unreadable), 0u);
-    EXPECT_NE(engine.set(0, SubstanceInputFloat3, unreadable, 4), 0u);
     EXPECT_NE(engine.set(0, SubstanceInputFloat3, nullptr), 0u);
     EXPECT_EQ(engine.run({tintedUid}), "0: 2x1, 0, 1: 255 0 0 255\n");
 
@@ -206,11 +166,8 @@ TEST(EngineInterface, readsImagesAtOnce) {
     pixels[2] = 7;
     EXPECT_EQ(engine.run({shownUid}), own);
 
-    const SubstanceTextureInput refused[] = {{pixels, 2, 1, 1, 0, 1},
-                                             {pixels, 2, 1, 0, 1, 1},
-                                             {pixels, 0, 1, 0, 0, 1},
-                                             {pixels, 2, 16385, 0, 0, 1}};
-    for (const auto& record : refused) EXPECT_NE(engine.set(1, SubstanceInputImage, &record), 0u);
+    const SubstanceTextureInput tooHigh{pixels, 2, 16385, 0, 0, 1};
+    EXPECT_NE(engine.set(1, SubstanceInputImage, &tooHigh), 0u);
     EXPECT_EQ(engine.run({shownUid}), own);
     image.pixels = nullptr;
     EXPECT_EQ(engine.set(1, SubstanceInputImage, &image), 0u);
@@ -228,16 +185,6 @@ TEST(EngineInterface, texturesCanBeFetchedLaterOrNever) {
     EXPECT_NE(substanceContextMemoryFree(engine.context, buffer), 0u);
     engine.buffers.clear();
     engine.run({tintedUid}); // the first texture gives way to the second, which goes with the handle
-}
-
-TEST(EngineInterface, buffersAreFreedFromOtherThreadsDuringRuns) {
-    Engine engine;
-    for (int run = 0; run < 20; ++run) {
-        std::thread freeing(
-            [&engine, taken = std::exchange(engine.buffers, {})] { engine.freeBuffers(taken); });
-        engine.run({tintedUid, shownUid, grayUid});
-        freeing.join();
-    }
 }
 
 TEST(EngineInterface, aHandleMayOutliveItsContext) {

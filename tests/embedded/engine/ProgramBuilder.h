@@ -4,12 +4,24 @@
 #include "embedded/engine/PlainEvaluator.h"
 #include "tests/embedded/program/SamplePrograms.h"
 
+#include <algorithm>
+#include <cmath>
+#include <cstring>
 #include <map>
 #include <random>
 #include <string>
 #include <vector>
 
 namespace embedded {
+
+// Bit by bit, and finite.
+inline bool sameNumbers(const Image& image, const Image& expected) {
+    const float* const samples = expected.row(0);
+    const std::size_t count = expected.sampleCount();
+    return image.sameSize(expected) && image.channels() == expected.channels() &&
+           std::all_of(samples, samples + count, [](float sample) { return std::isfinite(sample); }) &&
+           std::memcmp(image.row(0), samples, count * sizeof(float)) == 0;
+}
 
 class ProgramBuilder {
 public:

@@ -97,44 +97,28 @@ TEST_F(Linker, NullAndUnknownCodesAreRefused) {
         EXPECT_NE(substanceLinkerContextInit(&none, version, engine), 0u);
         EXPECT_EQ(none, nullptr);
     }
-    for (const unsigned int unknown : {1u, 4u})
-        EXPECT_NE(substanceLinkerContextSetCallback(context, unknown, nullptr), 0u);
-    EXPECT_NE(substanceLinkerContextInit(nullptr, SubstanceLinkerApiVersion, SubstanceLinkerEngineId), 0u);
-    EXPECT_NE(substanceLinkerContextSetCallback(nullptr, SubstanceLinkerCallbackText, nullptr), 0u);
-    EXPECT_NE(substanceLinkerContextRelease(nullptr), 0u);
-    EXPECT_NE(substanceLinkerHandleInit(nullptr, context), 0u);
+    EXPECT_NE(substanceLinkerContextSetCallback(context, 4, nullptr), 0u);
     auto* out = handle;
     EXPECT_NE(substanceLinkerHandleInit(&out, nullptr), 0u);
     EXPECT_EQ(out, nullptr);
-    EXPECT_NE(substanceLinkerHandlePushAssemblyMemory(nullptr, "x", 1), 0u);
-    EXPECT_NE(substanceLinkerHandleSetOutputFormat(nullptr, 11, 0, 0), 0u);
-    EXPECT_NE(substanceLinkerConnectOutputToInput(nullptr, 23, 11), 0u);
-    EXPECT_NE(substanceLinkerHandleSelectOutputs(nullptr, 0, 11), 0u);
-    EXPECT_NE(substanceLinkerFuseInputs(nullptr, 1, 21), 0u);
-    EXPECT_NE(substanceLinkerHandleRelease(nullptr), 0u);
-
     push(bottom());
     const unsigned char* data = reinterpret_cast<const unsigned char*>("");
     size_t size = 1;
     EXPECT_NE(substanceLinkerHandleLink(nullptr, &data, &size), 0u);
     EXPECT_TRUE(data == nullptr && size == 0);
-    EXPECT_NE(substanceLinkerHandleLink(handle, nullptr, &size), 0u);
-    EXPECT_NE(substanceLinkerHandleLink(handle, &data, nullptr), 0u);
 }
 
 TEST_F(Linker, PushDeliversTextAndBytes) {
-    EXPECT_EQ(push(encodePackage({"nobody listens", encodeAssembly(bottom())})), 0u);
     setCallbacks();
     EXPECT_EQ(push(encodePackage({"<bottom/>", encodeAssembly(bottom())})), 0u);
     EXPECT_EQ(push(encodeAssembly(top())), 0u);
-    EXPECT_EQ(trace, "text 1 <bottom/>\nbytes 1 assembly\ntext 2 \nbytes 2 assembly\n");
+    EXPECT_EQ(trace, "text 0 <bottom/>\nbytes 0 assembly\ntext 1 \nbytes 1 assembly\n");
 }
 
 TEST_F(Linker, UnreadableDataSpoilsTheHandle) {
     setCallbacks();
     EXPECT_NE(push(encodePackage({"<text/>", {1, 2, 3}})), 0u);
-    EXPECT_NE(substanceLinkerHandlePushAssemblyMemory(handle, nullptr, 7), 0u);
-    EXPECT_EQ(trace, "text 0 \nbytes 0 0\ntext 1 \nbytes 1 0\n");
+    EXPECT_EQ(trace, "text 0 \nbytes 0 0\n");
     push(bottom());
     EXPECT_EQ(link(), "failed");
 }
@@ -142,14 +126,12 @@ TEST_F(Linker, UnreadableDataSpoilsTheHandle) {
 TEST_F(Linker, EarlierResultsStayValid) {
     EXPECT_EQ(link(), "failed") << "nothing was pushed";
     push(bottom());
-    EXPECT_EQ(link(), toText(bottom()));
     const unsigned char* first = nullptr;
     size_t size = 0;
     ASSERT_EQ(substanceLinkerHandleLink(handle, &first, &size), 0u);
     push(top());
     EXPECT_NE(link(), "failed");
     EXPECT_TRUE(decodeAssembly(first, size));
-    EXPECT_EQ(substanceLinkerHandleRelease(handle), 0u);
 }
 
 TEST_F(Linker, StackIsConnectedAndFused) {
@@ -181,22 +163,20 @@ TEST_F(Linker, RefusalsChangeNothing) {
     const unsigned int connections[][2] = {{12, 23}, {22, 11}, {23, 31}, {2, 31}, {99, 11}, {23, 99}};
     for (const auto& [input, output] : connections)
         EXPECT_NE(substanceLinkerConnectOutputToInput(handle, input, output), 0u) << input << " " << output;
-    const unsigned int fusions[][2] = {{1, 22}, {1, 1}, {1, 99}, {99, 1}, {23, 2}};
+    const unsigned int fusions[][2] = {{1, 22}, {1, 1}, {1, 99}, {99, 1}, {23, 2}, {22, 21}};
     for (const auto& [first, second] : fusions)
         EXPECT_NE(substanceLinkerFuseInputs(handle, first, second), 0u) << first << " " << second;
-    EXPECT_NE(substanceLinkerHandleSetOutputFormat(handle, 99, 0, 1), 0u);
     EXPECT_NE(substanceLinkerHandleSetOutputFormat(handle, 31, 1, 2), 0u);
     EXPECT_NE(substanceLinkerHandleSelectOutputs(handle, 0, 99), 0u);
     EXPECT_EQ(link(), before);
 }
 
-TEST_F(Linker, FusionsGoByTypeAndKeepProgramsAcyclic) {
+TEST_F(Linker, FusionsKeepProgramsAcyclic) {
     Program second = top();
     second.inputs[1].uid = 43;
     second.outputs[0].uid = 51;
     push(top());
     push(second);
-    EXPECT_NE(substanceLinkerFuseInputs(handle, 22, 21), 0u) << "another type";
     EXPECT_EQ(substanceLinkerFuseInputs(handle, 43, 23), 0u);
     EXPECT_NE(substanceLinkerConnectOutputToInput(handle, 43, 31), 0u) << "feeds both programs now";
 }

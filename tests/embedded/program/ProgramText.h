@@ -3,14 +3,14 @@
 
 #include "embedded/nodes/NodeKind.h"
 #include "embedded/program/Program.h"
+#include "tests/ClassicText.h"
 
-#include <sstream>
 #include <string>
 
 namespace embedded {
 
 inline std::string toText(const Value& value) {
-    std::ostringstream text;
+    ClassicText text;
     text << static_cast<std::uint32_t>(value.type) << ":";
     for (int i = 0; i < componentCount(value.type); ++i) {
         const auto index = static_cast<std::size_t>(i);
@@ -21,7 +21,7 @@ inline std::string toText(const Value& value) {
 }
 
 inline std::string toText(const Binding& binding) {
-    std::ostringstream text;
+    ClassicText text;
     if (binding.input == Binding::constantOnly)
         text << toText(binding.constant);
     else
@@ -42,7 +42,7 @@ inline std::string toText(const ProgramNode& node) {
 }
 
 inline std::string toText(const Program& program) {
-    std::ostringstream text;
+    ClassicText text;
     for (const ProgramInput& input : program.inputs)
         text << "input " << input.uid << " role " << static_cast<int>(input.role) << " "
              << toText(input.defaultValue) << "\n";

@@ -1,7 +1,8 @@
 #include "tests/framework/description/DescriptionText.h"
+#include "tests/ClassicText.h"
 
+#include <array>
 #include <cstring>
-#include <sstream>
 
 namespace descriptiontext {
 
@@ -11,24 +12,22 @@ namespace {
 
 template <class Numbers>
 std::string join(const Numbers& numbers) {
-    std::ostringstream text;
+    ClassicText text;
     for (const auto number : numbers) text << (text.tellp() > 0 ? "," : "") << number;
     return text.str();
-}
-
-template <class Number, class T>
-std::string components(const T& value) {
-    Number numbers[sizeof(T) / sizeof(Number)];
-    std::memcpy(numbers, &value, sizeof(T));
-    return join(numbers);
 }
 
 template <class T, class Number>
 std::string valuesAs(const InputDescBase& input) {
     const auto* const numerical = dynamic_cast<const InputDescNumerical<T>*>(&input);
     if (!numerical) return "";
-    return components<Number>(numerical->defaultValue) + " in " + components<Number>(numerical->minValue) +
-           " to " + components<Number>(numerical->maxValue);
+    const auto components = [](const T& value) {
+        std::array<Number, sizeof(T) / sizeof(Number)> numbers;
+        std::memcpy(numbers.data(), &value, sizeof(T));
+        return join(numbers);
+    };
+    return components(numerical->defaultValue) + " in " + components(numerical->minValue) + " to " +
+           components(numerical->maxValue);
 }
 
 template <class Number>
@@ -43,6 +42,14 @@ std::string values(const InputDescBase& input) {
     return input.isImage() ? "image" : "nothing";
 }
 
+std::string print(const OutputDesc& output) {
+    ClassicText text;
+    text << "output " << output.uid << " " << output.identifier << " '" << output.label << "' format "
+         << output.format << " mipmaps " << output.mipmaps << " " << channelUsageNames()[output.channel]
+         << " altered by " << join(output.alteringInputUids) << ".\n";
+    return text.str();
+}
+
 } // namespace
 
 std::string print(const std::vector<unsigned int>& uids) {
@@ -50,36 +57,16 @@ std::string print(const std::vector<unsigned int>& uids) {
 }
 
 std::string print(const std::vector<std::pair<unsigned int, unsigned int>>& pairs) {
-    std::ostringstream text;
+    ClassicText text;
     for (const auto& [first, second] : pairs) text << first << ">" << second << " ";
     return text.str();
 }
 
-std::string print(const OutputDesc& output) {
-    std::ostringstream text;
-    text << "output " << output.uid << " " << output.identifier << " '" << output.label << "' format "
-         << output.format << " mipmaps " << output.mipmaps << " " << channelUsageNames()[output.channel]
-         << " altered by " << join(output.alteringInputUids) << ".\n";
-    return text.str();
-}
-
 std::string print(const InputDescBase& input) {
-    std::ostringstream text;
+    ClassicText text;
     text << "input " << input.uid << " " << input.identifier << " '" << input.label << "' type " << input.type
          << " " << values(input) << (input.isSystem ? " system" : "") << " alters "
          << join(input.alteredOutputUids) << "." << input.guiXml << "\n";
-    return text.str();
-}
-
-std::string print(const std::vector<Preset>& presets) {
-    std::ostringstream text;
-    for (const Preset& preset : presets) {
-        text << "preset " << preset.packageUrl << " '" << preset.label << "' '" << preset.description
-             << "'\n";
-        for (const PresetInputValue& value : preset.inputValues)
-            text << "  " << value.uid << " " << value.identifier << " type " << value.type << " = "
-                 << value.value << ".\n";
-    }
     return text.str();
 }
 
@@ -87,12 +74,12 @@ std::string print(const GraphDesc& graph) {
     std::string result = "graph " + graph.packageUrl + " '" + graph.label + "'\n";
     for (const OutputDesc& output : graph.outputs) result += print(output);
     for (const auto& input : graph.inputs) result += print(*input);
-    return result + print(graph.presets);
-}
-
-std::string print(const std::vector<GraphDesc>& graphs) {
-    std::string result;
-    for (const GraphDesc& graph : graphs) result += print(graph);
+    for (const Preset& preset : graph.presets) {
+        result += "preset " + preset.packageUrl + " '" + preset.label + "' '" + preset.description + "'\n";
+        for (const PresetInputValue& value : preset.inputValues)
+            result += "  " + std::to_string(value.uid) + " " + value.identifier + " type " +
+                      std::to_string(value.type) + " = " + value.value + ".\n";
+    }
     return result;
 }
 

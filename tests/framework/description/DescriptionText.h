@@ -9,11 +9,8 @@
 
 namespace descriptiontext {
 
-std::string print(const std::vector<SubstanceAir::GraphDesc>& graphs);
 std::string print(const SubstanceAir::GraphDesc& graph);
-std::string print(const SubstanceAir::OutputDesc& output);
 std::string print(const SubstanceAir::InputDescBase& input);
-std::string print(const std::vector<SubstanceAir::Preset>& presets);
 std::string print(const std::vector<unsigned int>& uids);
 std::string print(const std::vector<std::pair<unsigned int, unsigned int>>& pairs);
 

@@ -19,8 +19,7 @@
 namespace SubstanceAir {
 
 // One graph with the outputs Output and height and the inputs picture, amount and $seed, in the order of
-// their uids; the engine has them in another order. The amount alters two uids that are no outputs': one
-// before Output and one after height. The others alter both outputs.
+// their uids; the engine has them in another order. The amount alters Output, the others both.
 class TestPackage {
 public:
     explicit TestPackage(const std::string& tag)

@@ -137,19 +137,19 @@ TEST(RendererProcess, TriesContextsThatFailAgain) {
     EXPECT_EXIT(failAndExit("substanceContextInit", 1), testing::ExitedWithCode(0),
                 "^substanceContextInit\\(null, device\\) = 7\n"
                 "substanceContextInit\\(context1, device\\)\n"
-                "substanceContextSetCallback\\(context1, 2, callback\\)\n"
+                "substanceContextSetCallback\\(context1, 2\\)\n"
                 "substanceHandleStart\\(handle1, 0\\)\nOutput 1; height 1; $");
     EXPECT_EXIT(failAndExit("substanceContextSetCallback", 1), testing::ExitedWithCode(0),
                 "^substanceContextInit\\(context1, device\\)\n"
-                "substanceContextSetCallback\\(context1, 2, callback\\) = 7\n"
+                "substanceContextSetCallback\\(context1, 2\\) = 7\n"
                 "substanceContextRelease\\(context1\\)\n"
                 "substanceContextInit\\(context2, device\\)\n"
-                "substanceContextSetCallback\\(context2, 2, callback\\)\n"
+                "substanceContextSetCallback\\(context2, 2\\)\n"
                 "substanceHandleStart\\(handle1, 0\\)\nOutput 1; height 1; $");
     // The package's own linker context comes first, the renderer's second; without it nothing is rendered.
     EXPECT_EXIT(failAndExit("substanceLinkerContextInit", 2), testing::ExitedWithCode(0),
                 "^substanceContextInit\\(context1, device\\)\n"
-                "substanceContextSetCallback\\(context1, 2, callback\\)\nOutput 0; height 0; $");
+                "substanceContextSetCallback\\(context1, 2\\)\nOutput 0; height 0; $");
 }
 
 #endif

@@ -102,14 +102,6 @@ TEST_F(RendererTest, CallbacksThatNobodyAskedForDoNothing) {
         return start.reportAll();
     });
     render({&graph});
-    EXPECT_EQ(linesWith(recording::takeTrace(), {"Completed(", "GetOutput"}),
-              R"(outputCompleted(handle1, 0:p.Output, job1)
-substanceHandleGetOutputDesc(handle1, 0)
-outputCompleted(handle1, 0:p.Output, null)
-outputCompleted(handle1, 1:p.height, job1)
-substanceHandleGetOutputDesc(handle1, 1)
-substanceHandleGetOutputs(handle1, 0, 1, 1, buffer1)
-)");
     EXPECT_EQ(graph.take(), "Output 0 dirty; height 1; ");
 }
 
