@@ -40,6 +40,7 @@ int runCommandLine(int argc, char** argv) {
     tool::addSweep(app, status);
     tool::addSheet(app, status);
     tool::addDescribe(app, status);
+    tool::addNodes(app, status);
     const std::string first = argc > 1 ? argv[1] : "";
     checkCommand(app, first);
     try {

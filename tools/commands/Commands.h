@@ -12,5 +12,6 @@ void addRender(CLI::App& app, int& status);
 void addSweep(CLI::App& app, int& status);
 void addSheet(CLI::App& app, int& status);
 void addDescribe(CLI::App& app, int& status);
+void addNodes(CLI::App& app, int& status);
 
 } // namespace tool

@@ -131,3 +131,12 @@ TEST_F(Packages, CopiesOfAGraphOwnTheirInputsAndTakeNeitherPresetsNorParent) {
     EXPECT_EQ(copy.parent, package.get());
     EXPECT_EQ(copy.presets.size(), 2u);
 }
+
+// Hosts rely on it: what a silent linker does not deliver is what it delivered last.
+TEST_F(Packages, ASilentLinkerLeavesTheContentBefore) {
+    const auto before = load(graphsXml("1007", " count='2'", 2));
+    recording::fail("substanceLinkerHandleInit");
+    const PackageDesc after("other", 5, nullptr);
+    EXPECT_EQ(after.asmUid(), 1007u);
+    EXPECT_EQ(after.graphs().size(), 2u);
+}
