@@ -42,8 +42,9 @@ bench)
     cmake/install-packages.sh "${build_packages[@]}" "${benchmark_packages[@]}"
     cmake --preset release -DKVSUBSTANCE_BUILD_BENCHMARKS=ON >build/configure.log 2>&1 ||
         { cat build/configure.log >&2; exit 1; }
-    cmake --build --preset release --target model_benchmarks
+    cmake --build --preset release --target model_benchmarks engine_benchmarks
     build/release/bin/model_benchmarks
+    build/release/bin/engine_benchmarks --benchmark_repetitions=5
     ;;
 *)
     echo "error: unknown mode \"$mode\"; expected release, debug, asan, tsan, clang, lint or bench" >&2

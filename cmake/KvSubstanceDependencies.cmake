@@ -21,6 +21,13 @@ endif()
 add_library(flatbuffers_headers INTERFACE)
 target_include_directories(flatbuffers_headers SYSTEM INTERFACE ${FLATBUFFERS_INCLUDE_DIR})
 
+find_path(XXHASH_INCLUDE_DIR xxhash.h)
+if(NOT XXHASH_INCLUDE_DIR)
+    message(FATAL_ERROR "xxHash was not found; on Debian it is the package libxxhash-dev")
+endif()
+add_library(xxhash_headers INTERFACE)
+target_include_directories(xxhash_headers SYSTEM INTERFACE ${XXHASH_INCLUDE_DIR})
+
 if(KVSUBSTANCE_BUILD_TOOLS)
     find_package(PNG REQUIRED)
     find_package(CLI11 REQUIRED)

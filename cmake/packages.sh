@@ -1,6 +1,6 @@
 # The Debian 12 packages that the project is built with. To be sourced.
 build_packages=(g++ cmake ninja-build libtinyxml-dev libboost1.81-dev libboost-thread1.81-dev
-    libflatbuffers-dev flatbuffers-compiler libpng-dev libcli11-dev nlohmann-json3-dev libgtest-dev)
+    libflatbuffers-dev flatbuffers-compiler libpng-dev libxxhash-dev libcli11-dev nlohmann-json3-dev libgtest-dev)
 test_packages=(locales)
 clang_packages=(clang-14)
 lint_packages=(clang-format-14 clang-tidy-14)

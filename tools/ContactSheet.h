@@ -1,7 +1,7 @@
 // Contact sheets: many pictures side by side, small, with a label below each.
 #pragma once
 
-#include "tools/PngFile.h"
+#include "tools/Picture.h"
 
 #include <string>
 #include <vector>

@@ -1,7 +1,7 @@
 // A small bitmap font for labels.
 #pragma once
 
-#include "tools/PngFile.h"
+#include "tools/Picture.h"
 
 #include <string_view>
 

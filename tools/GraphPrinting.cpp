@@ -30,6 +30,18 @@ std::string joined(const std::vector<double>& numbers) {
     return all;
 }
 
+std::string tilingText(const TilingSummary& tiling) {
+    if (!tiling.seam.empty()) return "may not: " + tiling.seam;
+    if (tiling.images.empty()) return "yes";
+    return "if " + joined(tiling.images) + (tiling.images.size() == 1 ? " does" : " do");
+}
+
+} // namespace
+
+std::string defaultText(const InputSummary& input) {
+    return joined(input.defaultValue);
+}
+
 std::string rangeText(const InputSummary& input) {
     if (input.minimum.empty() && input.maximum.empty()) return "";
     const auto end = [](const std::vector<double>& numbers) {
@@ -39,15 +51,13 @@ std::string rangeText(const InputSummary& input) {
            (input.step.empty() ? "" : " by " + joined(input.step)) + (input.clamps ? "" : ", open");
 }
 
-} // namespace
-
 void printSummary(std::ostream& out, const GraphSummary& graph) {
     out << "graph " << graph.url << (graph.label.empty() ? "" : "  \"" + graph.label + "\"") << "\n";
 
     out << "\n  inputs (" << graph.inputs.size() << ")\n";
     Table inputs({"identifier", "label", "type", "default", "range", "widget", "alters"});
     for (const InputSummary& input : graph.inputs)
-        inputs.add({input.identifier, input.label, input.type, joined(input.defaultValue), rangeText(input),
+        inputs.add({input.identifier, input.label, input.type, defaultText(input), rangeText(input),
                     input.widget, joined(input.altered)});
     inputs.print(out, 4);
     for (const InputSummary& input : graph.inputs) {
@@ -58,16 +68,28 @@ void printSummary(std::ostream& out, const GraphSummary& graph) {
     }
 
     out << "\n  outputs (" << graph.outputs.size() << ")\n";
-    Table outputs({"identifier", "label", "usage", "format", "mipmaps", "size"});
+    const bool tellsTiling = !graph.outputs.empty() && graph.outputs.front().tiling;
+    std::vector<std::string> headings = {"identifier", "label", "usage", "format", "mipmaps", "size"};
+    if (tellsTiling) headings.push_back("tiles");
+    Table outputs(headings);
     for (const OutputSummary& output : graph.outputs) {
         const std::string size =
             output.size ? std::to_string(output.size->first) + "x" + std::to_string(output.size->second) : "";
-        outputs.add(
-            {output.identifier, output.label, output.usage, output.format, std::to_string(output.mipmaps),
-             output.hasDynamicSize || !output.size ? size + (size.empty() ? "$resolution" : " dynamic")
-                                                   : size});
+        std::vector<std::string> row = {output.identifier,
+                                        output.label,
+                                        output.usage,
+                                        output.format,
+                                        std::to_string(output.mipmaps),
+                                        output.hasDynamicSize || !output.size
+                                            ? size + (size.empty() ? "$resolution" : " dynamic")
+                                            : size};
+        if (tellsTiling) row.push_back(output.tiling ? tilingText(*output.tiling) : "");
+        outputs.add(std::move(row));
     }
     outputs.print(out, 4);
+    if (graph.cost)
+        out << "    about " << textOf(std::round(graph.cost->operationsPerPixel))
+            << " operations for a pixel, " << graph.cost->nodes << " nodes\n";
 
     if (graph.presets.empty()) return;
     out << "\n  presets (" << graph.presets.size() << ")\n";
@@ -124,6 +146,11 @@ nlohmann::ordered_json toJson(const GraphSummary& graph) {
             entry["height"] = output.size->second;
             entry["dynamicSize"] = output.hasDynamicSize;
         }
+        if (output.tiling) {
+            entry["tiles"] = output.tiling->seam.empty();
+            entry["tilesIf"] = output.tiling->images;
+            if (!output.tiling->seam.empty()) entry["seam"] = output.tiling->seam;
+        }
         outputs.push_back(std::move(entry));
     }
     ordered_json& presets = json["presets"] = ordered_json::array();
@@ -132,6 +159,10 @@ nlohmann::ordered_json toJson(const GraphSummary& graph) {
         for (const auto& [identifier, value] : preset.values) values[identifier] = value;
         presets.push_back({{"label", preset.label}, {"description", preset.description}, {"values", values}});
     }
+    if (graph.cost)
+        json["cost"] = {{"nodes", graph.cost->nodes},
+                        {"operationsPerPixel", graph.cost->operationsPerPixel},
+                        {"bytesPerPixel", graph.cost->bytesPerPixel}};
     return json;
 }
 

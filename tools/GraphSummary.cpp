@@ -153,7 +153,7 @@ const char* widgetName(kvSubstance::Widget widget) {
 } // namespace
 
 GraphSummary summarize(const SubstanceAir::GraphDesc& graph) {
-    GraphSummary summary{graph.packageUrl, graph.label, {}, {}, {}};
+    GraphSummary summary{graph.packageUrl, graph.label, {}, {}, {}, {}};
     for (const auto& input : graph.inputs) summary.inputs.push_back(summarizeInput(*input, graph));
     for (const auto& output : graph.outputs) summary.outputs.push_back(summarizeOutput(output));
     for (const auto& preset : graph.presets) {

@@ -30,6 +30,12 @@ struct InputSummary {
     std::vector<std::string> altered;                    // identifiers of outputs, or of other inputs
 };
 
+// Whether a texture tiles.
+struct TilingSummary {
+    std::string seam;                // by which it may not, such as: node 3 (wave), parameter layout
+    std::vector<std::string> images; // identifiers of inputs; unless there is a seam it tiles if they do
+};
+
 struct OutputSummary {
     unsigned int uid = 0;
     std::string identifier;
@@ -39,6 +45,7 @@ struct OutputSummary {
     int mipmaps = 0;
     std::optional<std::pair<int, int>> size; // pixels, when the description tells
     bool hasDynamicSize = false;
+    std::optional<TilingSummary> tiling; // when the package's program tells
 };
 
 struct PresetSummary {
@@ -47,18 +54,29 @@ struct PresetSummary {
     std::vector<std::pair<std::string, std::string>> values; // identifier and value as written
 };
 
+struct CostSummary {
+    std::size_t nodes = 0;
+    double operationsPerPixel = 0; // roughly, at most
+    double bytesPerPixel = 0;      // of the results of all nodes
+};
+
 struct GraphSummary {
     std::string url;
     std::string label;
     std::vector<InputSummary> inputs;
     std::vector<OutputSummary> outputs;
     std::vector<PresetSummary> presets;
+    std::optional<CostSummary> cost; // when the package's program tells
 };
 
 GraphSummary summarize(const SubstanceAir::GraphDesc& graph);
 
 // All but what the input alters, which a material does not tell.
 InputSummary summarize(const kvSubstance::SubstanceInput& input);
+
+// Short, for people. Empty when there is none.
+std::string defaultText(const InputSummary& input);
+std::string rangeText(const InputSummary& input);
 
 void printSummary(std::ostream& out, const GraphSummary& graph);
 nlohmann::ordered_json toJson(const GraphSummary& graph);

@@ -1,33 +1,28 @@
-// The options that choose a material and its values, shared by the commands that render, and the material set
-// up as they say.
+// The options that choose a material of one or two packages and its values, shared by the commands that
+// render, and the material set up as they say.
 #pragma once
 
 #include "tools/MaterialSession.h"
 #include "tools/PackageFile.h"
+#include "tools/Receipt.h"
+#include "tools/ValueOptions.h"
 
 #include <CLI/App.hpp>
 
-#include <optional>
 #include <string>
-#include <utility>
-#include <vector>
 
 namespace tool {
 
 struct MaterialOptions {
     std::string bottom;
     std::string top;
-    std::string size;
     std::string channel;
-    std::string preset;
-    std::string stateFile;
-    std::vector<std::string> assignments; // IDENTIFIER=V[,V...]
+    ValueOptions values;
 
     void addTo(CLI::App& command);
 };
 
-// Values are set in the order preset, state file, assignments, size. Throws UsageError and Failure; remarks
-// go to standard error.
+// Throws UsageError and Failure; remarks go to standard error.
 class PreparedMaterial {
 public:
     explicit PreparedMaterial(const MaterialOptions& options);
@@ -37,21 +32,18 @@ public:
     const kv::Reference<kvSubstance::Substance>& material() const { return session.material(); }
 
     // Throws Failure with the reason when there is no texture.
-    Picture render();
+    Texture render();
+
+    // For a texture of the present values.
+    Receipt receiptFor(const Texture& texture) const;
 
 private:
-    void checkConnections(const MaterialOptions& options) const;
-    void applyState(const std::string& path);
+    void checkConnections() const;
 
-    // Before the members that are made of it, so that bad sizes are refused before files are read.
-    std::optional<std::pair<int, int>> resolution; // base-2 logarithms
+    std::string shownChannel; // empty when there are two packages
     PackageFile bottomPackage;
     PackageFile topPackage;
     MaterialSession session;
 };
-
-// Splits IDENTIFIER=REST. Throws UsageError that shows the expected form.
-std::pair<std::string, std::string> splitAssignment(const std::string& text, const std::string& option,
-                                                    const std::string& form);
 
 } // namespace tool

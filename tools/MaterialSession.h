@@ -3,7 +3,7 @@
 #pragma once
 
 #include "material/Substance.h"
-#include "tools/PngFile.h"
+#include "tools/Picture.h"
 
 #include <optional>
 
@@ -16,12 +16,9 @@ public:
 
     const kv::Reference<kvSubstance::Substance>& material() const { return held; }
 
-    // The base-2 logarithms of width and height. False when the size of the material is fixed.
-    bool setResolution(int widthExponent, int heightExponent);
-
     // The texture for the present values; nothing when there is none. When it cannot be rendered, the library
-    // gives the last one instead.
-    std::optional<Picture> render();
+    // gives the last one instead. The library does not tell whether colours are sRGB-encoded.
+    std::optional<Texture> render();
 
 private:
     kv::Reference<kvSubstance::Substance> held;

@@ -1,33 +1,27 @@
-// Pictures, and PNG files of them.
+// PNG files.
 #pragma once
 
+#include "tools/Picture.h"
+
 #include <string>
-#include <vector>
 
 namespace tool {
 
-// 8-bit red, green, blue and alpha, interleaved; rows from the top, tightly packed. Colours are sRGB-encoded,
-// alpha is straight.
-struct Picture {
-    int width = 0;
-    int height = 0;
-    std::vector<unsigned char> rgba;
-
-    Picture() = default;
-    Picture(int pictureWidth, int pictureHeight);
-    unsigned char* pixel(int x, int y) { return &rgba[4 * (static_cast<size_t>(y) * width + x)]; }
-    const unsigned char* pixel(int x, int y) const { return &rgba[4 * (static_cast<size_t>(y) * width + x)]; }
+struct PngContent {
+    Texture texture;
+    std::string receipt; // the text that writePng was given; empty when there is none
 };
 
-constexpr int maxPictureSide = 16384; // pixels
+// The texture's own depth and channels; the receipt, which is ASCII, in a text chunk. Colours that are
+// sRGB-encoded are marked so, all other samples carry no mark that would have them converted. The same
+// texture and receipt always give the same bytes.
+std::string encodePng(const Texture& texture, const std::string& receipt);
 
-// The same picture always gives the same bytes.
-std::string encodePng(const Picture& picture);
-
-// Any kind of PNG, converted. Throws Failure, also for pictures larger than maxPictureSide.
-Picture readPng(const std::string& path);
+// Any kind of PNG: palettes and fewer than eight bits are expanded, all other samples are as they stand.
+// Throws Failure, also for pictures larger than maxPictureSide.
+PngContent readPng(const std::string& path);
 
 // Atomically.
-void writePng(const std::string& path, const Picture& picture);
+void writePng(const std::string& path, const Texture& texture, const std::string& receipt);
 
 } // namespace tool

@@ -14,8 +14,9 @@ namespace {
 using SubstanceAir::Preset;
 using SubstanceAir::PresetInputValue;
 
-const Preset* findPreset(const PackageFile& package, const std::string& label) {
-    const auto& presets = package.graph().presets;
+const Preset* findPreset(const SubstanceAir::GraphDesc* graph, const std::string& label) {
+    if (!graph) return nullptr;
+    const auto& presets = graph->presets;
     const auto found = std::find_if(presets.begin(), presets.end(),
                                     [&](const Preset& preset) { return preset.label == label; });
     return found == presets.end() ? nullptr : &*found;
@@ -27,21 +28,21 @@ bool removePrefix(std::string& name, const std::string& prefix) {
     return true;
 }
 
-const Preset& choosePreset(const std::string& wanted, const PackageFile& bottom, const PackageFile& top) {
+const Preset& choosePreset(const std::string& wanted, const MaterialGraphs& graphs) {
     std::string label = wanted;
     const bool isBottom = removePrefix(label, "bottom:");
     const bool isTop = !isBottom && removePrefix(label, "top:");
-    const Preset* const ofBottom = isTop ? nullptr : findPreset(bottom, label);
-    const Preset* const ofTop = isBottom ? nullptr : findPreset(top, label);
+    const Preset* const ofBottom = isTop ? nullptr : findPreset(graphs.bottom, label);
+    const Preset* const ofTop = isBottom ? nullptr : findPreset(graphs.top, label);
     if (ofBottom && ofTop)
         throw Failure("--preset " + wanted + ": both packages have a preset of that name; write \"bottom:" +
                       label + "\" or \"top:" + label + "\"");
     if (ofBottom || ofTop) return ofBottom ? *ofBottom : *ofTop;
 
     std::vector<std::string> labels;
-    for (const PackageFile* const package : {&bottom, &top})
-        if (package == &bottom ? !isTop : !isBottom)
-            for (const Preset& preset : package->graph().presets) labels.push_back(preset.label);
+    for (const auto* const graph : {isTop ? nullptr : graphs.bottom, isBottom ? nullptr : graphs.top})
+        if (graph)
+            for (const Preset& preset : graph->presets) labels.push_back(preset.label);
     throw Failure("--preset " + wanted + ": there is no such preset" + embedded::suggestion(label, labels));
 }
 
@@ -51,6 +52,7 @@ kvSubstance::SubstanceInput* findTarget(const PresetInputValue& value,
                                         const kvSubstance::Substance& material) {
     if (auto* const input = dynamic_cast<kvSubstance::SubstanceInput*>(material.getEntity(value.uid)))
         return input;
+    if (!material.getPackageStackDesc()) return nullptr;
     const auto& fused = material.getPackageStackDesc()->fusedInputs();
     const bool isFused =
         std::any_of(fused.begin(), fused.end(), [&](const auto& pair) { return pair.second == value.uid; });
@@ -77,11 +79,10 @@ std::string applyValue(const PresetInputValue& value, const kv::Reference<kvSubs
 
 } // namespace
 
-std::vector<std::string> applyPreset(const std::string& name, const PackageFile& bottom,
-                                     const PackageFile& top,
+std::vector<std::string> applyPreset(const std::string& name, const MaterialGraphs& graphs,
                                      const kv::Reference<kvSubstance::Substance>& material) {
     std::vector<std::string> leftOut;
-    for (const PresetInputValue& value : choosePreset(name, bottom, top).inputValues) {
+    for (const PresetInputValue& value : choosePreset(name, graphs).inputValues) {
         const std::string reason = applyValue(value, material);
         if (reason.empty()) continue;
         std::string remark = "--preset " + name + ": left out ";

@@ -37,8 +37,11 @@ int runCommandLine(int argc, char** argv) {
     tool::addCompile(app, status);
     tool::addInfo(app, status);
     tool::addRender(app, status);
+    tool::addMaps(app, status);
     tool::addSweep(app, status);
     tool::addSheet(app, status);
+    tool::addGallery(app, status);
+    tool::addVerify(app, status);
     tool::addDescribe(app, status);
     tool::addNodes(app, status);
     const std::string first = argc > 1 ? argv[1] : "";

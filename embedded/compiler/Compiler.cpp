@@ -37,15 +37,18 @@ void checkUids(const std::vector<SourceGraph>& graphs, Diagnostics& diagnostics)
     }
 }
 
-std::vector<unsigned char> compile(std::string_view source, Diagnostics& diagnostics) {
+// All but the diagnostics.
+CompileResult compile(std::string_view source, Diagnostics& diagnostics) {
     const auto document = parseSource(source, diagnostics);
     if (!document) return {};
     const std::vector<SourceGraph> graphs = readSource(*document, diagnostics);
 
     Program program;
     std::vector<AlteredOutputs> altered;
+    std::vector<std::string> nodeNames;
     altered.reserve(graphs.size());
-    for (const SourceGraph& graph : graphs) altered.push_back(appendGraph(graph, program, diagnostics));
+    for (const SourceGraph& graph : graphs)
+        altered.push_back(appendGraph(graph, program, nodeNames, diagnostics));
     if (diagnostics.hasErrors()) return {};
 
     checkUids(graphs, diagnostics);
@@ -53,15 +56,17 @@ std::vector<unsigned char> compile(std::string_view source, Diagnostics& diagnos
     for (const ProgramProblem& problem : verify(program))
         diagnostics.error({}, "program, " + problem.place, problem.reason);
     if (diagnostics.hasErrors()) return {};
-    return encodePackage({writeDescription(program.uid, graphs, altered), encodeAssembly(program)});
+    CompileResult result;
+    result.package = encodePackage({writeDescription(program.uid, graphs, altered), encodeAssembly(program)});
+    result.outputs = stateOutputs(program, graphs, nodeNames);
+    return result;
 }
 
 } // namespace
 
 CompileResult compilePackage(std::string_view source) {
     Diagnostics diagnostics;
-    CompileResult result;
-    result.package = compile(source, diagnostics);
+    CompileResult result = compile(source, diagnostics);
     result.diagnostics = diagnostics.sorted();
     return result;
 }

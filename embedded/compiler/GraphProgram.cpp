@@ -96,7 +96,8 @@ std::uint32_t outputUid(const SourceGraph& graph, const SourceOutput& output) {
     return deriveUid({graph.url, "output", output.identifier});
 }
 
-AlteredOutputs appendGraph(const SourceGraph& graph, Program& program, Diagnostics& diagnostics) {
+AlteredOutputs appendGraph(const SourceGraph& graph, Program& program, std::vector<std::string>& nodeNames,
+                           Diagnostics& diagnostics) {
     const Wiring wiring = wireGraph(graph, diagnostics);
     const NodeIndexes order = orderNodes(graph, wiring.nodes, diagnostics);
 
@@ -118,6 +119,8 @@ AlteredOutputs appendGraph(const SourceGraph& graph, Program& program, Diagnosti
     const auto firstInput = static_cast<std::int32_t>(program.inputs.size());
     appendInputs(graph, program);
     const NodeIndexes newIndex = appendNodes(wiring.nodes, order, isUsed, firstInput, program);
+    for (const std::size_t index : order)
+        if (isUsed[index]) nodeNames.push_back(graph.nodes[index].name);
     for (std::size_t i = 0; i < graph.outputs.size(); ++i) {
         const SourceOutput& output = graph.outputs[i];
         program.outputs.push_back({outputUid(graph, output),

@@ -21,11 +21,10 @@ bool SubstanceContext_::release() {
 }
 
 bool SubstanceContext_::freeBuffer(void* buffer) {
-    std::unique_ptr<unsigned char[]> memory; // freed outside the lock
     std::unique_lock<std::mutex> lock(mutex_);
     const auto found = buffers_.find(buffer);
     if (found == buffers_.end()) return false;
-    memory = std::move(found->second);
+    memory_->giveBack(buffer, found->second);
     buffers_.erase(found);
     unlockAndMaybeEnd(std::move(lock));
     return true;
@@ -38,10 +37,14 @@ void SubstanceContext_::detachHandle() {
 }
 
 void* SubstanceContext_::allocateBuffer(std::size_t size) {
-    std::unique_ptr<unsigned char[]> memory(new unsigned char[size]);
-    void* const buffer = memory.get();
-    const std::lock_guard<std::mutex> lock(mutex_);
-    buffers_.emplace(buffer, std::move(memory));
+    void* const buffer = memory_->take(size);
+    try {
+        const std::lock_guard<std::mutex> lock(mutex_);
+        buffers_.emplace(buffer, size);
+    } catch (...) {
+        memory_->giveBack(buffer, size);
+        throw;
+    }
     return buffer;
 }
 

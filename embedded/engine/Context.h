@@ -1,7 +1,10 @@
-// The engine context: owns texture buffers and the worker threads.
+// The engine context: owns texture buffers, the worker threads and the images that are kept between runs.
 #pragma once
 
+#include "embedded/engine/ImageCache.h"
+#include "embedded/engine/MemoryBudget.h"
 #include "embedded/engine/WorkerPool.h"
+#include "embedded/nodes/ImageMemory.h"
 #include "platform/engine.h"
 
 #include <cstddef>
@@ -28,6 +31,11 @@ public:
     bool setCallback(SubstanceOutputCompletedCallback function);
     SubstanceOutputCompletedCallback callback() const;
 
+    // Shared by the handles; both outlive the context where handles still use them.
+    const std::shared_ptr<embedded::ImageMemory>& memory() const { return memory_; }
+    const std::shared_ptr<embedded::ImageCache>& cache() const { return cache_; }
+    std::uint64_t budget() const { return budget_; }
+
 private:
     SubstanceContext_() = default;
     ~SubstanceContext_() = default;
@@ -35,10 +43,15 @@ private:
     // Takes the lock, and ends the object when nothing of it is left.
     void unlockAndMaybeEnd(std::unique_lock<std::mutex> lock);
 
+    const std::uint64_t budget_ = embedded::memoryBudget();
+    // A quarter of the budget may be memory that waits for the next image.
+    const std::shared_ptr<embedded::ImageMemory> memory_ =
+        std::make_shared<embedded::ImageMemory>(static_cast<std::size_t>(budget_ / 4));
+    const std::shared_ptr<embedded::ImageCache> cache_ = std::make_shared<embedded::ImageCache>();
     mutable std::mutex mutex_;
     bool released_ = false;
     std::size_t handles_ = 0;
-    std::unordered_map<void*, std::unique_ptr<unsigned char[]>> buffers_;
+    std::unordered_map<void*, std::size_t> buffers_; // with their sizes
     std::shared_ptr<embedded::WorkerPool> pool_;
     SubstanceOutputCompletedCallback callback_ = nullptr;
 };

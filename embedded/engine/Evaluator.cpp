@@ -1,25 +1,124 @@
 #include "embedded/engine/Evaluator.h"
 
+#include "embedded/engine/Plan.h"
 #include "embedded/engine/Schedule.h"
+#include "embedded/engine/TextureEncoding.h"
 
+#include <algorithm>
+#include <map>
 #include <new>
 
 namespace embedded {
+namespace {
 
-void evaluate(const Program& program, const std::vector<std::size_t>& outputs, const InputValues& inputs,
-              std::uint64_t memoryLimit, const BandRunner& runner, const OutputReceiver& receive) {
-    const Schedule schedule = makeSchedule(program, outputs, inputs);
-    if (schedule.peakBytes > memoryLimit) throw std::bad_alloc();
-    std::vector<Image> images(program.nodes.size());
-    for (const ScheduledNode& step : schedule.steps) {
-        std::vector<const Image*> sources;
-        for (const std::int32_t source : program.nodes[step.node].sources)
-            sources.push_back(source == ProgramNode::unconnected ? nullptr
-                                                                 : &images[static_cast<std::size_t>(source)]);
-        images[step.node] = evaluateNode(step.resolved, sources, runner);
-        for (const std::size_t output : step.outputs) receive(output, images[step.node]);
-        for (const std::size_t released : step.released) images[released] = Image();
+class Evaluation {
+public:
+    Evaluation(const Program& program, const Plan& plan, const Workshop& workshop, TextureReceiver& receiver)
+        : program_(program)
+        , plan_(plan)
+        , workshop_(workshop)
+        , receiver_(receiver)
+        , schedule_(makeSchedule(plan, [this](const ImageKey& key) { return findImage(key); })) {
+        for (const Showing& showing : plan.showings) ++levels_[showing.output];
+        unfinished_ = levels_;
     }
+
+    Statistics run() {
+        if (schedule_.peakBytes > workshop_.limit) throw std::bad_alloc();
+        statistics_.runs = 1;
+        for (const Group& group : schedule_.groups) runOne(group);
+        schedule_.images.clear();
+        makeRoom(0);
+        statistics_.bytesHeld = workshop_.memory->bytesUsed();
+        statistics_.mostBytesHeld = workshop_.memory->mostBytesUsed();
+        return statistics_;
+    }
+
+private:
+    struct Texture {
+        TextureShape shape;
+        unsigned char* bytes;
+    };
+
+    std::shared_ptr<const Image> findImage(const ImageKey& key) {
+        if (!workshop_.cache) return nullptr;
+        auto image = workshop_.cache->find(key);
+        if (image) ++statistics_.imagesReused;
+        return image;
+    }
+
+    void runOne(const Group& group) {
+        const PlanNode& root = plan_.nodes[group.root];
+        std::vector<TextureTarget> targets;
+        for (const Showing& showing : group.showings) targets.push_back(targetOf(showing, root));
+        if (group.keepsImage)
+            makeRoom(sizeof(float) * static_cast<std::uint64_t>(root.width) *
+                     static_cast<std::uint64_t>(root.height) * static_cast<std::uint64_t>(root.channels));
+        GroupWork work;
+        auto image = runWithMemory(group, targets, work);
+        statistics_.nodesRun += work.nodes;
+        statistics_.pixelsComputed += work.pixels;
+        if (image) {
+            schedule_.images[group.root] = image;
+            if (workshop_.cache) workshop_.cache->insert(root.key, std::move(image), workshop_.owner);
+        }
+        for (const std::size_t node : group.released) schedule_.images[node].reset();
+        for (const Showing& showing : group.showings)
+            if (--unfinished_[showing.output] == 0) receiver_.finish(showing.output);
+    }
+
+    // Images of earlier runs go before a run fails.
+    std::shared_ptr<const Image> runWithMemory(const Group& group, const std::vector<TextureTarget>& targets,
+                                               GroupWork& work) {
+        const auto compute = [&] {
+            return runGroup(plan_, group, schedule_.images, targets, workshop_.memory, workshop_.runner,
+                            workshop_.segmentLength, work);
+        };
+        if (!workshop_.cache) return compute();
+        try {
+            return compute();
+        } catch (const std::bad_alloc&) {
+            workshop_.cache->giveUp(std::numeric_limits<std::uint64_t>::max());
+            return compute();
+        }
+    }
+
+    TextureTarget targetOf(const Showing& showing, const PlanNode& node) {
+        const auto [place, isNew] = textures_.try_emplace(showing.output);
+        Texture& texture = place->second;
+        if (isNew) { // the full size comes first
+            const std::int32_t code = program_.outputs[showing.output].format;
+            texture.shape = {node.width, node.height, levels_[showing.output],
+                             findPixelFormat(code).value_or(PixelFormat{})};
+            texture.bytes = receiver_.begin(showing.output, texture.shape);
+        }
+        const PixelFormat format = texture.shape.format;
+        return {format, texture.bytes +
+                            textureBytes(texture.shape.width, texture.shape.height, format, showing.level)};
+    }
+
+    void makeRoom(std::uint64_t bytes) {
+        const std::uint64_t wanted = workshop_.memory->bytesUsed() + bytes;
+        if (workshop_.cache && wanted > workshop_.budget) workshop_.cache->giveUp(wanted - workshop_.budget);
+    }
+
+    const Program& program_;
+    const Plan& plan_;
+    const Workshop& workshop_;
+    TextureReceiver& receiver_;
+    Statistics statistics_;
+    Schedule schedule_;
+    std::map<std::size_t, int> levels_; // by output
+    std::map<std::size_t, int> unfinished_;
+    std::map<std::size_t, Texture> textures_;
+};
+
+} // namespace
+
+Statistics evaluate(const Program& program, const std::vector<std::size_t>& outputs,
+                    const InputValues& inputs, const Workshop& workshop, TextureReceiver& receiver) {
+    const Plan plan = makePlan(program, outputs, inputs);
+    return Evaluation(program, plan, workshop, receiver).run();
 }
 
 } // namespace embedded

@@ -63,6 +63,7 @@ SubstanceHandle_::SubstanceHandle_(SubstanceContext& context, std::shared_ptr<Wo
     , inputs_(std::make_shared<const InputValues>(defaultValues(program_))) {}
 
 SubstanceHandle_::~SubstanceHandle_() {
+    context_.cache()->giveUpAllOf(this);
     for (const auto& [output, texture] : textures_) context_.freeBuffer(texture.buffer);
 }
 
@@ -101,50 +102,62 @@ void SubstanceHandle_::start() {
     for (const Request& request : requests) compute(request);
 }
 
+// Textures in buffers of the context; those that the evaluation leaves unfinished go with it.
+class SubstanceHandle_::Textures : public TextureReceiver {
+public:
+    Textures(SubstanceHandle_& handle, void* jobUserData)
+        : handle_(handle)
+        , callback_(handle.context_.callback())
+        , jobUserData_(jobUserData) {}
+
+    ~Textures() override {
+        for (const auto& [output, texture] : unfinished_) handle_.context_.freeBuffer(texture.buffer);
+    }
+
+    unsigned char* begin(std::size_t output, const TextureShape& shape) override {
+        SubstanceTexture& texture = unfinished_[output];
+        texture.level0Width = static_cast<unsigned short>(shape.width);
+        texture.level0Height = static_cast<unsigned short>(shape.height);
+        texture.pixelFormat = static_cast<unsigned char>(handle_.program_.outputs[output].format);
+        texture.mipmapCount = static_cast<unsigned char>(shape.levels);
+        texture.buffer = handle_.context_.allocateBuffer(
+            textureBytes(shape.width, shape.height, shape.format, shape.levels));
+        return static_cast<unsigned char*>(texture.buffer);
+    }
+
+    void finish(std::size_t output) override {
+        const auto done = unfinished_.find(output);
+        handle_.keepTexture(output, done->second);
+        unfinished_.erase(done);
+        if (callback_) callback_(&handle_, static_cast<unsigned int>(output), jobUserData_);
+    }
+
+private:
+    SubstanceHandle_& handle_;
+    const SubstanceOutputCompletedCallback callback_;
+    void* const jobUserData_;
+    std::map<std::size_t, SubstanceTexture> unfinished_; // by output
+};
+
 void SubstanceHandle_::compute(const Request& request) {
-    const auto runner = [this](int rows, int rowSamples, const RowFunction& function) {
+    Workshop workshop;
+    workshop.runner = [this](int rows, int rowSamples, const RowFunction& function) {
         pool_->run(rows, rowSamples, function);
     };
-    const auto callback = context_.callback();
-    evaluate(program_, request.outputs, *request.inputs, memoryLimit(), runner,
-             [&](std::size_t output, const Image& image) {
-                 keepTexture(output, makeTexture(output, image));
-                 if (callback) callback(this, static_cast<unsigned int>(output), request.jobUserData);
-             });
-}
-
-SubstanceTexture SubstanceHandle_::makeTexture(std::size_t output, const Image& image) {
-    const ProgramOutput& description = program_.outputs[output];
-    const PixelFormat format = findPixelFormat(description.format).value_or(PixelFormat{});
-    const int levels = mipmapLevels(image.width(), image.height(), description.mipmaps);
-    SubstanceTexture texture{};
-    texture.level0Width = static_cast<unsigned short>(image.width());
-    texture.level0Height = static_cast<unsigned short>(image.height());
-    texture.pixelFormat = static_cast<unsigned char>(description.format);
-    texture.mipmapCount = static_cast<unsigned char>(levels);
-    texture.buffer = context_.allocateBuffer(textureBytes(image.width(), image.height(), format, levels));
-    try {
-        const auto runner = [this](int rows, int rowSamples, const RowFunction& function) {
-            pool_->run(rows, rowSamples, function);
-        };
-        encodeTexture(image, format, levels, runner, static_cast<unsigned char*>(texture.buffer));
-    } catch (...) {
-        context_.freeBuffer(texture.buffer);
-        throw;
-    }
-    return texture;
+    workshop.memory = context_.memory();
+    workshop.cache = context_.cache();
+    workshop.owner = this;
+    workshop.budget = context_.budget();
+    workshop.limit = memoryLimit();
+    Textures textures(*this, request.jobUserData);
+    addToStatistics(evaluate(program_, request.outputs, *request.inputs, workshop, textures));
 }
 
 // A texture of an earlier run that nobody fetched gives way.
 void SubstanceHandle_::keepTexture(std::size_t output, const SubstanceTexture& texture) {
-    try {
-        SubstanceTexture& place = textures_[output];
-        if (place.buffer) context_.freeBuffer(place.buffer);
-        place = texture;
-    } catch (...) {
-        context_.freeBuffer(texture.buffer);
-        throw;
-    }
+    SubstanceTexture& place = textures_[output];
+    if (place.buffer) context_.freeBuffer(place.buffer);
+    place = texture;
 }
 
 std::optional<SubstanceTexture> SubstanceHandle_::takeTexture(unsigned int outputIndex) {

@@ -39,8 +39,9 @@ private:
         void* jobUserData;
     };
 
+    class Textures;
+
     void compute(const Request& request);
-    SubstanceTexture makeTexture(std::size_t output, const embedded::Image& image);
     void keepTexture(std::size_t output, const SubstanceTexture& texture);
 
     SubstanceContext& context_;

@@ -5,86 +5,166 @@
 namespace embedded {
 namespace {
 
-std::vector<bool> neededNodes(const Program& program, const std::vector<std::size_t>& outputs) {
-    std::vector<bool> needed(program.nodes.size());
-    for (const std::size_t output : outputs)
-        needed[static_cast<std::size_t>(program.outputs[output].node)] = true;
-    for (std::size_t i = program.nodes.size(); i-- > 0;) {
-        if (!needed[i]) continue;
-        for (const std::int32_t source : program.nodes[i].sources)
-            if (source != ProgramNode::unconnected) needed[static_cast<std::size_t>(source)] = true;
-    }
-    return needed;
-}
+// Above this cost (operations for a pixel) a node is kept, so that edits behind it need not run it again.
+constexpr double costlyGenerator = 16;
+constexpr double costlyFilter = 200;
+// Up to here a node that several groups read is rather computed in each.
+constexpr double cheapNode = 4;
 
-std::uint64_t bytesOf(const ResolvedNode& node, int channels) {
+std::uint64_t bytesOf(const PlanNode& node, int channels) {
     return sizeof(float) * static_cast<std::uint64_t>(node.width) * static_cast<std::uint64_t>(node.height) *
            static_cast<std::uint64_t>(channels);
 }
 
-// While a node runs there are its result, a working copy for kernels that need one, and its sources in its
-// own shape; a shown node is brought to a colour image with half as much again for the smaller levels and the
-// texture.
-std::uint64_t workingBytes(const ScheduledNode& step) {
-    std::uint64_t bytes = 2 * bytesOf(step.resolved, step.resolved.channels);
-    for (std::size_t i = 0; i < step.resolved.kind->ports.size(); ++i)
-        bytes += bytesOf(step.resolved, step.resolved.portChannels(i));
-    const std::uint64_t showing = 2 * bytesOf(step.resolved, 4);
-    return std::max(bytes, step.outputs.empty() ? bytes : showing);
+bool isGenerator(const PlanNode& node) {
+    return std::none_of(node.sources.begin(), node.sources.end(),
+                        [](const PlanSource& source) { return source.connected(); });
 }
 
-// A node's image is released by the last step that reads it, or at once when none does.
-void addReleases(const Program& program, Schedule& schedule) {
-    std::vector<bool> read(program.nodes.size());
-    for (auto step = schedule.steps.rbegin(); step != schedule.steps.rend(); ++step) {
-        const auto releaseFirstSeen = [&](std::size_t node) {
-            if (!read[node]) step->released.push_back(node);
-            read[node] = true;
+class Scheduling {
+public:
+    Scheduling(const Plan& plan, const ImageFinder& find)
+        : plan_(plan)
+        , count_(plan.nodes.size())
+        , demanded_(count_)
+        , kept_(count_)
+        , shown_(count_) {
+        schedule_.images.resize(count_);
+        for (const Showing& showing : plan.showings) demanded_[showing.node] = shown_[showing.node] = true;
+        findImages(find);
+        chooseKept();
+    }
+
+    Schedule run() && {
+        for (std::size_t i = 0; i < count_; ++i)
+            if (isRoot(i)) addGroup(i);
+        addReleases();
+        schedule_.peakBytes = peak();
+        return std::move(schedule_);
+    }
+
+private:
+    bool isThere(std::size_t node) const { return schedule_.images[node] != nullptr; }
+    bool isRoot(std::size_t node) const {
+        return demanded_[node] && ((kept_[node] && !isThere(node)) || shown_[node]);
+    }
+    bool streams(std::size_t node) const { return !kept_[node] && !isThere(node); }
+
+    // What is there needs no sources.
+    void findImages(const ImageFinder& find) {
+        for (std::size_t i = count_; i-- > 0;) {
+            const PlanNode& node = plan_.nodes[i];
+            if (!demanded_[i]) continue;
+            schedule_.images[i] = node.isPicture() ? node.picture : find(node.key);
+            if (isThere(i)) continue;
+            for (const PlanSource& source : node.sources)
+                if (source.connected()) demanded_[source.node] = true;
+        }
+    }
+
+    // From the readers to what they read: the roots that a streaming node would be computed for are known
+    // then.
+    void chooseKept() {
+        constexpr std::size_t none = PlanSource::nothing;
+        std::vector<std::size_t> onlyRoot(count_, none);
+        std::vector<bool> severalRoots(count_);
+        const auto addRoot = [&](std::size_t node, std::size_t root) {
+            if (onlyRoot[node] != none && onlyRoot[node] != root) severalRoots[node] = true;
+            onlyRoot[node] = root;
         };
-        releaseFirstSeen(step->node);
-        for (const std::int32_t source : program.nodes[step->node].sources)
-            if (source != ProgramNode::unconnected) releaseFirstSeen(static_cast<std::size_t>(source));
+        for (std::size_t i = count_; i-- > 0;) {
+            if (!demanded_[i] || isThere(i)) continue;
+            const PlanNode& node = plan_.nodes[i];
+            if (shown_[i]) addRoot(i, i);
+            const bool isCostly = node.costPerPixel() > (isGenerator(node) ? costlyGenerator : costlyFilter);
+            const bool isShared = severalRoots[i] && (node.costPerPixel() > cheapNode || !isGenerator(node));
+            kept_[i] = kept_[i] || !node.hasRows() || isCostly || isShared;
+            for (const PlanSource& source : node.sources) {
+                if (!source.connected()) continue;
+                if (source.border != 0) kept_[source.node] = true;
+                if (kept_[i] || shown_[i]) addRoot(source.node, i);
+                if (kept_[i] || shown_[i]) continue;
+                addRoot(source.node, onlyRoot[i]);
+                if (severalRoots[i]) severalRoots[source.node] = true;
+            }
+        }
     }
-}
 
-std::uint64_t peakOf(const Program& program, const Schedule& schedule) {
-    std::vector<std::uint64_t> sizes(program.nodes.size());
-    std::uint64_t held = 0;
-    std::uint64_t peak = 0;
-    for (const ScheduledNode& step : schedule.steps) {
-        peak = std::max(peak, held + workingBytes(step));
-        sizes[step.node] = bytesOf(step.resolved, step.resolved.channels);
-        held += sizes[step.node];
-        for (const std::size_t released : step.released) held -= sizes[released];
-        held += step.outputs.size() * bytesOf(step.resolved, 4) / 2; // textures wait to be fetched
-        peak = std::max(peak, held);
+    void addGroup(std::size_t root) {
+        Group group{root, kept_[root] && !isThere(root), {}, {}, {}};
+        if (!isThere(root)) collectStreamed(root, group.streamed);
+        std::sort(group.streamed.begin(), group.streamed.end());
+        for (const Showing& showing : plan_.showings)
+            if (showing.node == root) group.showings.push_back(showing);
+        schedule_.groups.push_back(std::move(group));
     }
-    return peak;
-}
+
+    void collectStreamed(std::size_t reader, std::vector<std::size_t>& streamed) const {
+        std::vector<std::size_t> open = {reader};
+        while (!open.empty()) {
+            const std::size_t node = open.back();
+            open.pop_back();
+            for (const PlanSource& source : plan_.nodes[node].sources) {
+                if (!source.connected() || !streams(source.node)) continue;
+                if (std::find(streamed.begin(), streamed.end(), source.node) != streamed.end()) continue;
+                streamed.push_back(source.node);
+                open.push_back(source.node);
+            }
+        }
+    }
+
+    // Calls visit(node) for the images that a group reads and makes.
+    template <typename Visit>
+    void eachImage(const Group& group, Visit visit) const {
+        if (!streams(group.root)) visit(group.root);
+        if (isThere(group.root)) return;
+        const auto visitSources = [&](std::size_t reader) {
+            for (const PlanSource& source : plan_.nodes[reader].sources)
+                if (source.connected() && !streams(source.node)) visit(source.node);
+        };
+        visitSources(group.root);
+        for (const std::size_t node : group.streamed) visitSources(node);
+    }
+
+    void addReleases() {
+        std::vector<bool> read(count_);
+        for (auto group = schedule_.groups.rbegin(); group != schedule_.groups.rend(); ++group)
+            eachImage(*group, [&](std::size_t node) {
+                if (!read[node]) group->released.push_back(node);
+                read[node] = true;
+            });
+    }
+
+    // Kernels of whole images may need two more of the result's size; textures wait to be fetched.
+    std::uint64_t peak() const {
+        std::uint64_t held = 0;
+        std::uint64_t most = 0;
+        for (std::size_t i = 0; i < count_; ++i)
+            if (isThere(i)) held += bytesOf(plan_.nodes[i], plan_.nodes[i].channels);
+        for (const Group& group : schedule_.groups) {
+            const PlanNode& root = plan_.nodes[group.root];
+            const std::uint64_t result = bytesOf(root, root.channels);
+            if (group.keepsImage) held += result;
+            held += group.showings.size() * bytesOf(root, 4);
+            most = std::max(most, held + (group.keepsImage && !root.hasRows() ? 2 * result : 0));
+            for (const std::size_t node : group.released)
+                held -= bytesOf(plan_.nodes[node], plan_.nodes[node].channels);
+        }
+        return most;
+    }
+
+    const Plan& plan_;
+    const std::size_t count_;
+    std::vector<bool> demanded_;
+    std::vector<bool> kept_;
+    std::vector<bool> shown_;
+    Schedule schedule_;
+};
 
 } // namespace
 
-Schedule makeSchedule(const Program& program, const std::vector<std::size_t>& outputs,
-                      const InputValues& inputs) {
-    const std::vector<bool> needed = neededNodes(program, outputs);
-    Schedule schedule;
-    schedule.steps.reserve(static_cast<std::size_t>(std::count(needed.begin(), needed.end(), true)));
-    std::vector<const ResolvedNode*> resolved(program.nodes.size());
-    for (std::size_t i = 0; i < program.nodes.size(); ++i) {
-        if (!needed[i]) continue;
-        std::vector<const ResolvedNode*> sources;
-        for (const std::int32_t source : program.nodes[i].sources)
-            sources.push_back(
-                source == ProgramNode::unconnected ? nullptr : resolved[static_cast<std::size_t>(source)]);
-        ScheduledNode step{i, resolveNode(program.nodes[i], sources, inputs), {}, {}};
-        for (const std::size_t output : outputs)
-            if (static_cast<std::size_t>(program.outputs[output].node) == i) step.outputs.push_back(output);
-        schedule.steps.push_back(std::move(step));
-        resolved[i] = &schedule.steps.back().resolved; // stays: the steps were reserved
-    }
-    addReleases(program, schedule);
-    schedule.peakBytes = peakOf(program, schedule);
-    return schedule;
+Schedule makeSchedule(const Plan& plan, const ImageFinder& find) {
+    return Scheduling(plan, find).run();
 }
 
 } // namespace embedded

@@ -1,28 +1,36 @@
-// The order of work for some wanted outputs: only the nodes they depend on, with everything settled, and for
-// each node the images that nobody reads after it.
+// The order of work for a plan. Some nodes are kept as images; the others stream: they are computed segment
+// by segment inside the groups that read them, and never exist as a whole.
 #pragma once
 
-#include "embedded/engine/NodeEvaluation.h"
+#include "embedded/engine/Plan.h"
 
 #include <cstdint>
+#include <functional>
+#include <memory>
 #include <vector>
 
 namespace embedded {
 
-struct ScheduledNode {
-    std::size_t node; // index into Program::nodes
-    ResolvedNode resolved;
-    std::vector<std::size_t> outputs;  // wanted outputs that show this node
-    std::vector<std::size_t> released; // nodes whose images are no longer needed once this one is done
+// One piece of work: a node, with the streaming nodes that it reads, directly or through others. Its result
+// is kept as an image, shown, or both.
+struct Group {
+    std::size_t root;                  // of the plan
+    bool keepsImage;                   // the root becomes an image here
+    std::vector<std::size_t> streamed; // in the plan's order, without the root
+    std::vector<Showing> showings;
+    std::vector<std::size_t> released; // images that no later group reads
 };
 
 struct Schedule {
-    std::vector<ScheduledNode> steps;
+    std::vector<Group> groups;
+    // The images there were at the beginning and are used, by node of the plan; pictures too.
+    std::vector<std::shared_ptr<const Image>> images;
     std::uint64_t peakBytes = 0; // estimate of the memory that images take at the same time
 };
 
-// The outputs are indices into Program::outputs, each once.
-Schedule makeSchedule(const Program& program, const std::vector<std::size_t>& outputs,
-                      const InputValues& inputs);
+// Finds an image that is there already, or null.
+using ImageFinder = std::function<std::shared_ptr<const Image>(const ImageKey& key)>;
+
+Schedule makeSchedule(const Plan& plan, const ImageFinder& find);
 
 } // namespace embedded

@@ -1,9 +1,9 @@
 #include "embedded/engine/TextureEncoding.h"
 
-#include "embedded/nodes/Arithmetic.h"
-#include "embedded/nodes/Resample.h"
+#include "embedded/rows/EncodingRows.h"
 
 #include <algorithm>
+#include <cstring>
 
 namespace embedded {
 namespace {
@@ -12,40 +12,13 @@ int halved(int side) {
     return std::max(1, side / 2);
 }
 
-template <typename Channel>
-void quantiseRow(const float* in, std::size_t samples, unsigned char* out) {
-    constexpr float largest = sizeof(Channel) == 1 ? 255.0f : 65535.0f;
-    for (std::size_t i = 0; i < samples; ++i) {
-        const auto channel =
-            static_cast<Channel>(static_cast<int>(clamp(in[i], 0.0f, 1.0f) * largest + 0.5f));
-        std::memcpy(out + i * sizeof(Channel), &channel, sizeof(Channel));
-    }
-}
-
-// All channels first, which runs several at a time, then alpha, which stays linear, again.
-void quantiseSrgbRow(const float* in, std::size_t samples, unsigned char* out) {
-    for (std::size_t i = 0; i < samples; ++i)
-        out[i] = static_cast<unsigned char>(
-            static_cast<int>(srgbFromLinear(clamp(in[i], 0.0f, 1.0f)) * 255.0f + 0.5f));
-    for (std::size_t i = 3; i < samples; i += 4)
-        out[i] = static_cast<unsigned char>(static_cast<int>(clamp(in[i], 0.0f, 1.0f) * 255.0f + 0.5f));
-}
-
-void encodeLevel(const Image& image, PixelFormat format, const BandRunner& runner, unsigned char* bytes) {
-    const std::size_t samples = image.rowSamples();
-    const std::size_t rowBytes = samples * static_cast<std::size_t>(format.bytesPerChannel);
-    runner(image.height(), static_cast<int>(samples), [&](int begin, int end) {
-        for (int y = begin; y < end; ++y) {
-            unsigned char* out = bytes + rowBytes * static_cast<std::size_t>(y);
-            if (format.srgb) {
-                quantiseSrgbRow(image.row(y), samples, out);
-            } else if (format.bytesPerChannel == 1) {
-                quantiseRow<std::uint8_t>(image.row(y), samples, out);
-            } else {
-                quantiseRow<std::uint16_t>(image.row(y), samples, out);
-            }
-        }
-    });
+void encodeGrayRow(PixelFormat format, const float* in, int count, unsigned char* bytes) {
+    if (format.bytesPerChannel == 4)
+        std::memcpy(bytes, in, static_cast<std::size_t>(count) * sizeof(float));
+    else if (format.bytesPerChannel == 2)
+        encodeGray16Row.chosen()(in, count, bytes);
+    else
+        encodeGray8Row.chosen()(in, count, bytes);
 }
 
 } // namespace
@@ -66,22 +39,16 @@ std::size_t textureBytes(int width, int height, PixelFormat format, int levels) 
     return bytes;
 }
 
-void encodeTexture(const Image& image, PixelFormat format, int levels, const BandRunner& runner,
-                   unsigned char* bytes) {
-    Image converted;
-    const Image* level = &image;
-    if (image.channels() != format.channels) {
-        converted = withChannels(image, format.channels);
-        level = &converted;
-    }
-    for (int i = 0; i < levels; ++i) {
-        if (i > 0) {
-            bytes += textureBytes(level->width(), level->height(), format, 1);
-            converted = resampled(*level, halved(level->width()), halved(level->height()));
-            level = &converted;
-        }
-        encodeLevel(*level, format, runner, bytes);
-    }
+void encodeRow(PixelFormat format, const SourceRow& row, int count, unsigned char* bytes) {
+    if (format.channels == 1) return encodeGrayRow(format, row.channels[0], count, bytes);
+    if (format.bytesPerChannel == 4)
+        encodeColourFloatRow.chosen()(row.channels, count, bytes);
+    else if (format.bytesPerChannel == 2)
+        encodeColour16Row.chosen()(row.channels, count, bytes);
+    else if (format.srgb)
+        encodeSrgb8Row.chosen()(row.channels, count, bytes);
+    else
+        encodeColour8Row.chosen()(row.channels, count, bytes);
 }
 
 } // namespace embedded

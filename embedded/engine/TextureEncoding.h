@@ -1,8 +1,7 @@
-// Finished images as the bytes of a texture.
+// Writes images as texture bytes.
 #pragma once
 
-#include "embedded/engine/Bands.h"
-#include "embedded/nodes/Image.h"
+#include "embedded/nodes/NodeKernel.h"
 #include "embedded/program/PixelFormat.h"
 
 #include <cstddef>
@@ -10,14 +9,13 @@
 
 namespace embedded {
 
-// How many of the wanted levels there are: at least 1; the last possible one is a single pixel.
+// Levels that a texture really has: down to 1 x 1 at most; 0 and 1 wanted are the full size alone.
 int mipmapLevels(int width, int height, std::uint32_t wanted);
 
+// Of the levels together, each tightly packed, the largest first.
 std::size_t textureBytes(int width, int height, PixelFormat format, int levels);
 
-// Writes the levels, full size first; each is the one before halved by a 2 x 2 box in linear light. Values
-// are clamped to 0 to 1 and rounded to the nearest step.
-void encodeTexture(const Image& image, PixelFormat format, int levels, const BandRunner& runner,
-                   unsigned char* bytes);
+// Encodes pixels of a row; gray formats read the first channel, others all four.
+void encodeRow(PixelFormat format, const SourceRow& row, int count, unsigned char* bytes);
 
 } // namespace embedded

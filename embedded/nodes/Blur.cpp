@@ -1,9 +1,11 @@
 #include "embedded/nodes/Blur.h"
 
-#include "embedded/nodes/Arithmetic.h"
 #include "embedded/nodes/NodeKernel.h"
 #include "embedded/nodes/Parameters.h"
 #include "embedded/nodes/Resample.h"
+#include "embedded/rows/Arithmetic.h"
+#include "embedded/rows/ResampleRows.h"
+#include "embedded/rows/WeightedRows.h"
 
 #include <algorithm>
 #include <vector>
@@ -15,7 +17,7 @@ enum Parameter { Sigma };
 
 // Beyond this many pixels of deviation the blur works on a smaller image: what it leaves has no detail to
 // lose.
-constexpr float largestDirectSigma = 6.0f;
+constexpr float largestDirectSigma = 4.0f;
 constexpr float radiusInSigmas = 3.5f;
 
 // The weights from the middle outwards; together (both sides) they sum to 1.
@@ -43,53 +45,59 @@ struct Axis {
         const float box = shift == 0 ? 0.0f : (factor * factor - 1.0f) / 12.0f;
         const float spline = shift == 0 ? 0.0f : factor * factor / 3.0f;
         const float remaining = clamp(sigma * sigma - box - spline, 0.0f, sigma * sigma);
-        weights = gaussianWeights(std::sqrt(remaining) / factor);
+        weights = gaussianWeights(squareRoot(remaining) / factor);
+        if (shift > 0) setSplineWeights();
     }
+
+    int radius() const { return static_cast<int>(weights.size()) - 1; }
 
     int shift = 0;
     std::vector<float> weights;
-};
+    std::vector<float> splineWeights; // see splineRow
 
-// One place of the enlarging: a pixel of the small image and the weights of it and its neighbours.
-struct SplinePlace {
-    SplinePlace(int position, int shift) {
-        const float place = (static_cast<float>(position) + 0.5f) / static_cast<float>(1 << shift) - 0.5f;
-        const int pixel = floorToInt(place);
-        const float t = place - static_cast<float>(pixel);
-        const float s = 1.0f - t;
-        first = pixel - 1;
-        weights[0] = s * s * s / 6.0f;
-        weights[1] = (4.0f - 6.0f * t * t + 3.0f * t * t * t) / 6.0f;
-        weights[2] = (4.0f - 6.0f * s * s + 3.0f * s * s * s) / 6.0f;
-        weights[3] = t * t * t / 6.0f;
+private:
+    void setSplineWeights() {
+        const int factor = 1 << shift;
+        splineWeights.resize(4 * static_cast<std::size_t>(factor));
+        for (int i = 0; i < factor; ++i) {
+            const float t = (static_cast<float>(i) + 0.5f) / static_cast<float>(factor);
+            const float s = 1.0f - t;
+            float* const place = splineWeights.data() + i;
+            place[0] = s * s * s / 6.0f;
+            place[factor] = (4.0f - 6.0f * t * t + 3.0f * t * t * t) / 6.0f;
+            place[2 * factor] = (4.0f - 6.0f * s * s + 3.0f * s * s * s) / 6.0f;
+            place[3 * factor] = t * t * t / 6.0f;
+        }
     }
-
-    int first;
-    float weights[4];
 };
 
-// Passes: across, down, and, when an axis was shrunk, enlarging.
-template <int channels>
-class BlurRows : public RowKernel {
+// Samples of a row that the pass down takes at a time, so that the rows around stay in the cache.
+constexpr int stripWidth = 1024;
+
+// Passes: shrinking and blurring across, blurring down, and, when an axis was shrunk, enlarging.
+class Blur : public ImageKernel {
 public:
-    BlurRows(const NodeRun& run, const Axis& across, const Axis& down)
-        : RowKernel(run.height)
-        , across_(across)
-        , down_(down)
-        , direct_(across.shift == 0 && down.shift == 0)
-        , source_(run.sources[0])
-        , width_(run.width >> across.shift)
-        , height_(run.height >> down.shift)
-        , blurredAcross_(width_, height_, channels) {
-        if (direct_) return;
-        shrunk_ = resampled(*source_, width_, height_);
-        source_ = &shrunk_;
-        blurred_ = Image(width_, height_, channels);
-        for (int x = 0; x < run.width; ++x) places_.emplace_back(x, across.shift);
+    explicit Blur(const NodeRun& run)
+        : source_(run.images[0])
+        , channels_(run.channels)
+        , across_(run.width, sigmaOf(run))
+        , down_(run.height, sigmaOf(run))
+        , direct_(across_.shift == 0 && down_.shift == 0)
+        , width_(run.width >> across_.shift)
+        , height_(run.height >> down_.shift)
+        , resultHeight_(run.height)
+        , resampler_(run.width, run.height, width_, height_)
+        , blurredAcross_(width_, height_, channels_, run.memory) {
+        if (!direct_) blurred_ = Image(width_, height_, channels_, run.memory);
     }
 
     int passCount() const override { return direct_ ? 2 : 3; }
-    int rowCount(int pass) const override { return pass < 2 ? height_ : RowKernel::rowCount(pass); }
+    int rowCount(int pass) const override { return pass < 2 ? height_ : resultHeight_; }
+    int rowSamples(int pass) const override {
+        const int samples = width_ * channels_;
+        if (pass == 0) return samples * (across_.radius() + (1 << (across_.shift + down_.shift)));
+        return pass == 1 ? samples * (down_.radius() + 1) : samples << (across_.shift + 2);
+    }
 
     void computeRows(int pass, int begin, int end, Image& result) override {
         if (pass == 0) blurAcross(begin, end);
@@ -98,93 +106,102 @@ public:
     }
 
 private:
+    static float sigmaOf(const NodeRun& run) {
+        return run.number(Sigma) * static_cast<float>(run.shorterSide());
+    }
+
     void blurAcross(int begin, int end) {
-        const int radius = static_cast<int>(across_.weights.size()) - 1;
-        std::vector<float> padded(static_cast<std::size_t>((width_ + 2 * radius) * channels));
+        const int radius = across_.radius();
+        RowResampler::Scratch scratch;
+        std::vector<float> padded(static_cast<std::size_t>(width_ + 2 * radius));
+        float* const row = padded.data() + radius;
+        std::vector<const float*> shifted;
+        for (int i = -radius; i <= radius; ++i) shifted.push_back(row + i);
         for (int y = begin; y < end; ++y) {
-            const float* in = source_->row(y);
-            for (int x = -radius; x < width_ + radius; ++x)
-                std::copy_n(in + (x & (width_ - 1)) * channels, channels,
-                            &padded[static_cast<std::size_t>((x + radius) * channels)]);
-            weighRow(
-                across_.weights, [&](int i) { return padded.data() + (radius + i) * channels; },
-                blurredAcross_.row(y));
+            for (int c = 0; c < channels_; ++c) {
+                resampler_.computeRow(source_.plane(c), y, scratch, row);
+                for (int i = 1; i <= radius; ++i) {
+                    row[-i] = row[-i & (width_ - 1)];
+                    row[width_ - 1 + i] = row[(i - 1) & (width_ - 1)];
+                }
+                weighPairs_(shifted.data() + radius, across_.weights.data(), radius, width_,
+                            blurredAcross_.row(y, c));
+            }
         }
     }
 
     void blurDown(int begin, int end, Image& out) const {
-        for (int y = begin; y < end; ++y)
-            weighRow(
-                down_.weights, [&](int i) { return blurredAcross_.row((y + i) & (height_ - 1)); },
-                out.row(y));
-    }
-
-    // A row as the weighted sum of rowAt(-radius) to rowAt(radius).
-    template <typename RowAt>
-    void weighRow(const std::vector<float>& weights, RowAt rowAt, float* out) const {
-        const int samples = width_ * channels;
-        const float* middle = rowAt(0);
-        for (int s = 0; s < samples; ++s) out[s] = middle[s] * weights[0];
-        for (std::size_t i = 1; i < weights.size(); ++i) {
-            const float weight = weights[i];
-            const float* before = rowAt(-static_cast<int>(i));
-            const float* after = rowAt(static_cast<int>(i));
-            for (int s = 0; s < samples; ++s) out[s] += weight * (before[s] + after[s]);
+        const int radius = down_.radius();
+        const int samples = width_ * channels_;
+        std::vector<const float*> rows(2 * static_cast<std::size_t>(radius) + 1);
+        for (int first = 0; first < samples; first += stripWidth) {
+            const int count = std::min(stripWidth, samples - first);
+            for (int y = begin; y < end; ++y) {
+                for (int i = -radius; i <= radius; ++i)
+                    rows[static_cast<std::size_t>(i + radius)] =
+                        blurredAcross_.row((y + i) & (height_ - 1)) + first;
+                weighPairs_(rows.data() + radius, down_.weights.data(), radius, count, out.row(y) + first);
+            }
         }
     }
 
     void enlarge(int begin, int end, Image& result) const {
-        std::vector<float> column(static_cast<std::size_t>(width_ * channels));
+        std::vector<float> padded(static_cast<std::size_t>(width_) + 4);
+        float* const row = padded.data() + 2;
         for (int y = begin; y < end; ++y) {
-            const SplinePlace place(y, down_.shift);
-            const float* rows[4];
-            for (int i = 0; i < 4; ++i) rows[i] = blurred_.row((place.first + i) & (height_ - 1));
-            for (std::size_t s = 0; s < column.size(); ++s)
-                column[s] = down_.shift == 0
-                                ? rows[1][s]
-                                : weigh(place.weights, rows[0][s], rows[1][s], rows[2][s], rows[3][s]);
-            enlargeRow(column.data(), result.row(y));
+            for (int c = 0; c < channels_; ++c) {
+                if (across_.shift == 0) {
+                    enlargeDown(y, c, result.row(y, c));
+                    continue;
+                }
+                enlargeDown(y, c, row);
+                for (int i = 1; i <= 2; ++i) {
+                    row[-i] = row[-i & (width_ - 1)];
+                    row[width_ - 1 + i] = row[(i - 1) & (width_ - 1)];
+                }
+                splineRow_(padded.data(), across_.shift, across_.splineWeights.data(), width_,
+                           result.row(y, c));
+            }
         }
     }
 
-    void enlargeRow(const float* in, float* out) const {
-        if (across_.shift == 0) {
-            std::copy_n(in, width_ * channels, out);
+    void enlargeDown(int y, int channel, float* out) const {
+        if (down_.shift == 0) {
+            std::copy_n(blurred_.row(y, channel), width_, out);
             return;
         }
-        for (const SplinePlace& place : places_) {
-            const float* pixels[4];
-            for (int i = 0; i < 4; ++i) pixels[i] = in + ((place.first + i) & (width_ - 1)) * channels;
-            for (int c = 0; c < channels; ++c)
-                *out++ = weigh(place.weights, pixels[0][c], pixels[1][c], pixels[2][c], pixels[3][c]);
+        const int factor = 1 << down_.shift;
+        const int ahead = y + factor / 2; // the first of the four rows is two before the one behind
+        const float* rows[4];
+        float weights[4];
+        for (int i = 0; i < 4; ++i) {
+            rows[i] = blurred_.row(((ahead >> down_.shift) - 2 + i) & (height_ - 1), channel);
+            weights[i] = down_.splineWeights[static_cast<std::size_t>(i * factor + ahead % factor)];
         }
+        weighRows_(rows, weights, 4, width_, out);
     }
 
-    static float weigh(const float* weights, float a, float b, float c, float d) {
-        return weights[0] * a + weights[1] * b + weights[2] * c + weights[3] * d;
-    }
-
-    Axis across_;
-    Axis down_;
-    bool direct_;
-    const Image* source_;
-    int width_; // of the image that is blurred
-    int height_;
-    Image shrunk_;
+    const ImageView source_;
+    const int channels_;
+    const Axis across_;
+    const Axis down_;
+    const bool direct_;
+    const int width_; // of the image that is blurred
+    const int height_;
+    const int resultHeight_;
+    const RowResampler resampler_;
     Image blurredAcross_;
     Image blurred_;
-    std::vector<SplinePlace> places_;
+    WeighRows* const weighRows_ = weighRows.chosen();
+    WeighPairs* const weighPairs_ = weighPairs.chosen();
+    SplineRow* const splineRow_ = splineRow.chosen();
 };
 
-std::unique_ptr<RowKernel> prepare(const NodeRun& run) {
-    const float sigma = run.number(Sigma) * static_cast<float>(run.shorterSide());
-    const Axis across(run.width, sigma);
-    const Axis down(run.height, sigma);
-    if (run.channels == 1) return std::make_unique<BlurRows<1>>(run, across, down);
-    return std::make_unique<BlurRows<4>>(run, across, down);
+std::unique_ptr<ImageKernel> prepare(const NodeRun& run) {
+    return std::make_unique<Blur>(run);
 }
 
-const NodeKernel kernel{prepare};
+const NodeKernel kernel{nullptr, prepare};
 
 } // namespace
 
@@ -192,12 +209,13 @@ NodeKind blurKind() {
     return {9,
             "blur",
             "Gaussian blur that wraps around the edges.",
-            {{"source", PortChannels::Any, true}},
+            {{"source", PortChannels::Any, true, anywhere}},
             {number("sigma", ValueType::Float, 0.01, 0, 0.25,
                     "standard deviation, relative to the image's shorter side")},
             ResultChannels::Widest,
-            true,
-            100,
+            nullptr,
+            nullptr,
+            150,
             &kernel};
 }
 

@@ -3,23 +3,30 @@
 #include "embedded/nodes/NodeKernel.h"
 #include "embedded/nodes/Parameters.h"
 
-#include <array>
+#include <algorithm>
 
 namespace embedded {
 namespace {
 
 std::unique_ptr<RowKernel> prepare(const NodeRun& run) {
-    return makeRowKernel(run, [&run](int y, float* out) {
-        for (std::size_t c = 0; c < 4; ++c) {
-            const float* in = run.sources[c] ? run.sources[c]->row(y) : nullptr;
-            const float absent = c == 3 ? 1.0f : 0.0f;
-            for (int x = 0; x < run.width; ++x)
-                out[4 * static_cast<std::size_t>(x) + c] = in ? in[x] : absent;
-        }
-    });
+    return makeRowKernel(
+        [channels = run.channels](const Segment& segment, const SourceRow* sources, float* const* result) {
+            for (int c = 0; c < channels; ++c) {
+                const float* const in = sources[c].channels[0];
+                if (in)
+                    std::copy_n(in, segment.count, result[c]);
+                else
+                    std::fill_n(result[c], segment.count, c == 3 ? 1.0f : 0.0f);
+            }
+        });
 }
 
-const NodeKernel kernel{prepare};
+// Gray sources do not tell whether there is one for alpha.
+bool hasAlpha(const std::vector<Value>&, const std::vector<int>& sourceChannels) {
+    return sourceChannels[3] > 0;
+}
+
+const NodeKernel kernel{prepare, nullptr};
 
 } // namespace
 
@@ -27,14 +34,15 @@ NodeKind channelMergeKind() {
     return {14,
             "channelMerge",
             "A colour image from gray ones; what is not connected is 0, alpha 1.",
-            {{"red", PortChannels::Gray, false},
-             {"green", PortChannels::Gray, false},
-             {"blue", PortChannels::Gray, false},
-             {"alpha", PortChannels::Gray, false}},
+            {{"red", PortChannels::Gray, false, 0},
+             {"green", PortChannels::Gray, false, 0},
+             {"blue", PortChannels::Gray, false, 0},
+             {"alpha", PortChannels::Gray, false, 0}},
             {},
             ResultChannels::Colour,
-            true,
-            3,
+            hasAlpha,
+            nullptr,
+            4,
             &kernel};
 }
 

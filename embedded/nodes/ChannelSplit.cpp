@@ -1,8 +1,10 @@
 #include "embedded/nodes/ChannelSplit.h"
 
-#include "embedded/nodes/Arithmetic.h"
 #include "embedded/nodes/NodeKernel.h"
 #include "embedded/nodes/Parameters.h"
+#include "embedded/rows/LuminanceRows.h"
+
+#include <algorithm>
 
 namespace embedded {
 namespace {
@@ -11,14 +13,17 @@ enum Parameter { Channel };
 constexpr int luminanceChoice = 4; // after the four channels
 
 std::unique_ptr<RowKernel> prepare(const NodeRun& run) {
-    return makeRowKernel(run, [source = run.sources[0], channel = run.integer(Channel)](int y, float* out) {
-        const float* in = source->row(y);
-        for (int x = 0; x < source->width(); ++x)
-            out[x] = channel == luminanceChoice ? luminance(in + 4 * x) : in[4 * x + channel];
+    return makeRowKernel([channel = run.integer(Channel), weigh = luminanceRow.chosen()](
+                             const Segment& segment, const SourceRow* sources, float* const* result) {
+        const float* const* const in = sources[0].channels;
+        if (channel == luminanceChoice)
+            weigh(in[0], in[1], in[2], segment.count, result[0]);
+        else
+            std::copy_n(in[channel], segment.count, result[0]);
     });
 }
 
-const NodeKernel kernel{prepare};
+const NodeKernel kernel{prepare, nullptr};
 
 } // namespace
 
@@ -26,11 +31,12 @@ NodeKind channelSplitKind() {
     return {13,
             "channelSplit",
             "One channel as gray.",
-            {{"source", PortChannels::Colour, true}},
+            {{"source", PortChannels::Colour, true, 0}},
             {choice("channel", {"red", "green", "blue", "alpha", "luminance"}, 0, "which one")},
             ResultChannels::Gray,
-            true,
-            3,
+            nullptr,
+            nullptr,
+            5,
             &kernel};
 }
 

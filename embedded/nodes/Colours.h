@@ -1,8 +1,8 @@
 // Colours that are parameters.
 #pragma once
 
-#include "embedded/nodes/Arithmetic.h"
-#include "embedded/nodes/NodeKernel.h"
+#include "embedded/nodes/Value.h"
+#include "embedded/rows/Arithmetic.h"
 
 #include <array>
 
@@ -14,12 +14,6 @@ inline std::array<float, 4> linearColour(const Value& value, int encoding) {
     if (encoding == 0) return colour;
     for (std::size_t c = 0; c < 3; ++c) colour[c] = linearFromSrgb(colour[c]);
     return colour;
-}
-
-// One value in a whole row: its first component in a gray one.
-inline void fillRow(float* row, const NodeRun& run, const std::array<float, 4>& value) {
-    for (int x = 0; x < run.width; ++x)
-        for (int c = 0; c < run.channels; ++c) *row++ = value[static_cast<std::size_t>(c)];
 }
 
 } // namespace embedded

@@ -1,8 +1,9 @@
 #include "embedded/nodes/FractalNoise.h"
 
-#include "embedded/nodes/Arithmetic.h"
+#include "embedded/nodes/CellAxis.h"
 #include "embedded/nodes/NodeKernel.h"
 #include "embedded/nodes/Parameters.h"
+#include "embedded/rows/FractalNoiseRows.h"
 
 #include <algorithm>
 
@@ -10,119 +11,74 @@ namespace embedded {
 namespace {
 
 enum Parameter { Style, Repeats, Octaves, Gain, Seed };
-enum StyleChoice { Plain, Turbulence, Ridged };
-
-// Along one axis, what does not depend on the other: for each pixel its place in its lattice cell, for each
-// cell its first pixel. The lattice is shifted against the image by a part of a cell, so there is one cell
-// more, which is the first one again.
-struct LatticeAxis {
-    LatticeAxis(int size, int cellCount, float shift)
-        : cells(cellCount)
-        , cellOf(static_cast<std::size_t>(size))
-        , places(static_cast<std::size_t>(size))
-        , firstPixels(static_cast<std::size_t>(cellCount) + 2, size) {
-        int nextCell = 0;
-        for (int pixel = 0; pixel < size; ++pixel) {
-            const double position = (pixel + 0.5) * cellCount / size + static_cast<double>(shift);
-            const int cell = static_cast<int>(position);
-            cellOf[static_cast<std::size_t>(pixel)] = cell;
-            places[static_cast<std::size_t>(pixel)] = static_cast<float>(position - cell);
-            while (nextCell <= cell) firstPixels[static_cast<std::size_t>(nextCell++)] = pixel;
-        }
-    }
-
-    int cells;
-    std::vector<int> cellOf;
-    std::vector<float> places;
-    std::vector<int> firstPixels; // cells + 2 of them
-};
 
 struct Octave {
     // Gradient noise is zero at lattice points; the random shift keeps those of the octaves from falling
     // together.
     Octave(const NodeRun& run, int columns, int rows, float octaveAmplitude, const Hash3& random)
-        : across(run.width, columns, unitFloat(random.y))
-        , down(run.height, rows, unitFloat(random.z))
+        : across(run.width, columns, static_cast<double>(unitFloat(random.y)))
+        , down(run.height, rows, static_cast<double>(unitFloat(random.z)))
         , amplitude(octaveAmplitude)
-        , seed(random.x) {}
+        , seed(random.x) {
+        for (const float place : across.places) fades.push_back(fade(place));
+    }
 
-    LatticeAxis across;
-    LatticeAxis down;
+    CellAxis across;
+    CellAxis down;
+    std::vector<float> fades; // of the places across
     float amplitude;
     std::uint32_t seed;
 };
 
-struct Gradient {
-    float x, y;
+// The gradients along one lattice row, as far as they were needed.
+struct Gradients {
+    int row = -1;
+    int begin = 0;
+    int end = 0;
+    std::vector<float> x;
+    std::vector<float> y;
+
+    void reach(const Octave& octave, int newRow, int first, int last) {
+        const int columns = octave.across.cells;
+        x.resize(static_cast<std::size_t>(columns) + 2);
+        y.resize(x.size());
+        if (row != newRow || first < begin || first > end) begin = end = first;
+        row = newRow;
+        if (last <= end) return;
+        gradientRow.chosen()(octave.seed, row % octave.down.cells, columns, end, last - end, x.data() + end,
+                             y.data() + end);
+        end = last;
+    }
 };
-
-Gradient gradientAt(int column, int row, std::uint32_t seed) {
-    const float turns =
-        unitFloat(hash(static_cast<std::uint32_t>(column), static_cast<std::uint32_t>(row), seed).x);
-    return {cosineOfTurns(turns), sineOfTurns(turns)};
-}
-
-// Gradients at the corners along one lattice row, which wraps around.
-void fillGradients(const Octave& octave, int row, std::vector<Gradient>& gradients) {
-    const int columns = octave.across.cells;
-    gradients.resize(static_cast<std::size_t>(columns) + 2);
-    for (int i = 0; i < columns; ++i)
-        gradients[static_cast<std::size_t>(i)] = gradientAt(i, row % octave.down.cells, octave.seed);
-    gradients[static_cast<std::size_t>(columns)] = gradients[0];
-    gradients[static_cast<std::size_t>(columns) + 1] = gradients[1];
-}
 
 // One octave's lattice rows around the present pixel row; neighbouring pixel rows share them.
-struct LatticeRows {
-    int row = -1;
-    std::vector<Gradient> upper;
-    std::vector<Gradient> lower;
+struct Lattice {
+    Gradients upper;
+    Gradients lower;
 
-    void moveTo(const Octave& octave, int newRow) {
-        if (newRow == row) return;
-        if (row >= 0 && newRow == row + 1) {
-            upper.swap(lower);
-        } else {
-            fillGradients(octave, newRow, upper);
-        }
-        fillGradients(octave, newRow + 1, lower);
-        row = newRow;
+    void moveTo(const Octave& octave, int row, const NoiseCells& cells) {
+        if (upper.row != row && lower.row == row) std::swap(upper, lower);
+        upper.reach(octave, row, cells.begin, cells.end + 1);
+        lower.reach(octave, row + 1, cells.begin, cells.end + 1);
     }
 };
 
-// Calls emit(x, noise) for a row of pixels. At a given height in a lattice row, the influence of each lattice
-// column is a linear function of the horizontal distance to it; a pixel mixes those of its two columns.
-template <typename Emit>
-void eachNoise(const Octave& octave, const LatticeRows& lattice, float ty, Emit emit) {
-    const float v = fade(ty);
-    const float* places = octave.across.places.data();
-    const auto slope = [&](std::size_t i) { return mix(lattice.upper[i].x, lattice.lower[i].x, v); };
-    const auto level = [&](std::size_t i) {
-        return mix(lattice.upper[i].y * ty, lattice.lower[i].y * (ty - 1.0f), v);
-    };
-    float leftSlope = slope(0);
-    float leftLevel = level(0);
-    for (std::size_t cell = 0; cell <= static_cast<std::size_t>(octave.across.cells); ++cell) {
-        const float rightSlope = slope(cell + 1);
-        const float rightLevel = level(cell + 1);
-        const int end = octave.across.firstPixels[cell + 1];
-        for (int x = octave.across.firstPixels[cell]; x < end; ++x) {
-            const float tx = places[x];
-            const float left = leftSlope * tx + leftLevel;
-            const float right = rightSlope * (tx - 1.0f) + rightLevel;
-            emit(x, mix(left, right, fade(tx)));
-        }
-        leftSlope = rightSlope;
-        leftLevel = rightLevel;
-    }
-}
+struct NoiseScratch : RowScratch {
+    explicit NoiseScratch(std::size_t octaveCount)
+        : lattices(octaveCount)
+        , octaves(octaveCount)
+        , cells(octaveCount) {}
+
+    std::vector<Lattice> lattices;
+    std::vector<NoiseOctave> octaves;
+    std::vector<NoiseCells> cells;
+    std::vector<float> corners;
+    std::vector<float> weights;
+};
 
 class NoiseRows : public RowKernel {
 public:
-    explicit NoiseRows(const NodeRun& run)
-        : RowKernel(run.height)
-        , width_(run.width)
-        , style_(run.integer(Style)) {
+    explicit NoiseRows(const NodeRun& run) {
         // Octaves finer than two pixels to a cell would only alias; they still count in the amplitudes, so
         // that small pictures look like large ones.
         constexpr float toUnit = 1.41421356f; // gradient noise reaches sqrt(1/2)
@@ -135,65 +91,66 @@ public:
             const int columns = run.integer(Repeats, 0) << i;
             const int rows = run.integer(Repeats, 1) << i;
             if (i == 0 || (2 * columns <= run.width && 2 * rows <= run.height))
-                octaves_.emplace_back(run, columns, rows, amplitude * toUnit,
+                octaves_.emplace_back(run, columns, rows, amplitude,
                                       hash(seed, static_cast<std::uint32_t>(i), 3));
             sum += amplitude;
             squares += amplitude * amplitude;
         }
         // Octaves are independent: their sum spreads as the root of the squares. The factors leave about one
         // pixel in a thousand to be clamped.
-        normalisation_ = style_ == Plain        ? 0.55f / std::sqrt(squares)
-                         : style_ == Turbulence ? 1.5f / sum
-                                                : 1.0f / sum;
+        sum_.style = static_cast<NoiseStyle>(run.integer(Style));
+        const bool plain = sum_.style == NoiseStyle::Plain;
+        sum_.middle = plain ? 0.5f : 0.0f;
+        sum_.factor = plain                                  ? 0.55f * toUnit / squareRoot(squares)
+                      : sum_.style == NoiseStyle::Turbulence ? 1.5f * toUnit / sum
+                                                             : 1.0f / sum;
     }
 
-    void computeRows(int, int begin, int end, Image& result) override {
-        std::vector<LatticeRows> lattices(octaves_.size());
-        std::vector<float> weights(style_ == Ridged ? static_cast<std::size_t>(width_) : 0);
-        for (int y = begin; y < end; ++y) {
-            float* out = result.row(y);
-            std::fill_n(out, width_, 0.0f);
-            std::fill(weights.begin(), weights.end(), 1.0f);
-            for (std::size_t i = 0; i < octaves_.size(); ++i) {
-                const Octave& octave = octaves_[i];
-                lattices[i].moveTo(octave, octave.down.cellOf[static_cast<std::size_t>(y)]);
-                addOctave(octave, lattices[i], octave.down.places[static_cast<std::size_t>(y)], out,
-                          weights.data());
-            }
-            const float middle = style_ == Plain ? 0.5f : 0.0f;
-            for (int x = 0; x < width_; ++x) out[x] = clamp(out[x] * normalisation_ + middle, 0.0f, 1.0f);
+    std::unique_ptr<RowScratch> makeScratch() const override {
+        return std::make_unique<NoiseScratch>(octaves_.size());
+    }
+
+    void compute(const Segment& segment, const SourceRow*, RowScratch* rowScratch,
+                 float* const* result) const override {
+        auto& scratch = static_cast<NoiseScratch&>(*rowScratch);
+        int mostCorners = 0;
+        for (std::size_t i = 0; i < octaves_.size(); ++i) {
+            prepareOctave(i, segment, scratch);
+            mostCorners = std::max(mostCorners, scratch.cells[i].end - scratch.cells[i].begin + 1);
         }
+        reserve(scratch.corners, 2 * mostCorners);
+        reserve(scratch.weights, segment.count);
+        fractalNoiseRow.chosen()(sum_, scratch.octaves.data(), scratch.cells.data(),
+                                 static_cast<int>(octaves_.size()), segment.x, segment.count,
+                                 scratch.corners.data(), scratch.weights.data(), result[0]);
     }
 
 private:
-    void addOctave(const Octave& octave, const LatticeRows& lattice, float ty, float* out,
-                   float* weights) const {
-        const float amplitude = octave.amplitude;
-        if (style_ == Plain) {
-            eachNoise(octave, lattice, ty, [=](int x, float noise) { out[x] += amplitude * noise; });
-        } else if (style_ == Turbulence) {
-            eachNoise(octave, lattice, ty,
-                      [=](int x, float noise) { out[x] += amplitude * absolute(noise); });
-        } else {
-            addRidges(octave, lattice, ty, out, weights);
-        }
+    void prepareOctave(std::size_t i, const Segment& segment, NoiseScratch& scratch) const {
+        const Octave& octave = octaves_[i];
+        const NoiseCells cells = {octave.across.cellAt(segment.x),
+                                  octave.across.cellAt(segment.x + segment.count - 1) + 1};
+        Lattice& lattice = scratch.lattices[i];
+        lattice.moveTo(octave, octave.down.cellAt(segment.y), cells);
+        const bool ridged = sum_.style == NoiseStyle::Ridged;
+        scratch.cells[i] = cells;
+        scratch.octaves[i] = {octave.across.places.data(),
+                              octave.fades.data(),
+                              octave.across.firstPixels.data(),
+                              lattice.upper.x.data(),
+                              lattice.upper.y.data(),
+                              lattice.lower.x.data(),
+                              lattice.lower.y.data(),
+                              octave.down.placeAt(segment.y),
+                              ridged ? 1.41421356f : octave.amplitude,
+                              octave.amplitude};
     }
 
-    // F. K. Musgrave in "Texturing and Modeling", 1994: detail grows where the octave before is high.
-    static void addRidges(const Octave& octave, const LatticeRows& lattice, float ty, float* out,
-                          float* weights) {
-        const float amplitude = octave.amplitude * 0.70710678f;
-        eachNoise(octave, lattice, ty, [=](int x, float noise) {
-            const float ridge = 1.0f - absolute(noise) * 1.41421356f;
-            const float signal = ridge * ridge * weights[x];
-            out[x] += amplitude * signal;
-            weights[x] = clamp(2.0f * signal, 0.0f, 1.0f);
-        });
+    static void reserve(std::vector<float>& numbers, int count) {
+        if (numbers.size() < static_cast<std::size_t>(count)) numbers.resize(static_cast<std::size_t>(count));
     }
 
-    int width_;
-    int style_;
-    float normalisation_;
+    NoiseSum sum_{};
     std::vector<Octave> octaves_;
 };
 
@@ -201,7 +158,7 @@ std::unique_ptr<RowKernel> prepare(const NodeRun& run) {
     return std::make_unique<NoiseRows>(run);
 }
 
-const NodeKernel kernel{prepare};
+const NodeKernel kernel{prepare, nullptr};
 
 } // namespace
 
@@ -214,12 +171,14 @@ NodeKind fractalNoiseKind() {
                     "plain sum, sum of absolute values (creases), or sharp ridges"),
              number("repeats", ValueType::Integer2, 4, 1, 1024,
                     "lattice cells of the first octave across and down"),
-             number("octaves", ValueType::Integer, 6, 1, 12, "number of octaves"),
+             number("octaves", ValueType::Integer, 6, 1, 12,
+                    "number of octaves; those finer than two pixels to a cell are left out"),
              number("gain", ValueType::Float, 0.5, 0, 1, "amplitude of an octave relative to the one before"),
              seedParameter()},
             ResultChannels::Gray,
-            true,
-            60,
+            nullptr,
+            nullptr,
+            150,
             &kernel};
 }
 

@@ -1,10 +1,12 @@
 // The node kinds of the embedded engine: one table that the compiler, the verifier, the engine and the tools
-// all read. Each kind has a file pair of its own in this folder, holding its metadata and its kernel.
+// all read. Each kind has a file pair of its own in this folder, holding its metadata and its kernel; the
+// inner loops are in rows/.
 #pragma once
 
 #include "embedded/nodes/Value.h"
 
 #include <cstdint>
+#include <optional>
 #include <string_view>
 #include <vector>
 
@@ -20,10 +22,13 @@ enum class PortChannels { Gray, Colour, Any };
 // ByParameter: the integer parameter named "colour" decides (0 gray, else colour).
 enum class ResultChannels { Gray, Colour, Widest, ByParameter };
 
+constexpr int anywhere = -1; // a border: pixels of the whole image
+
 struct PortInfo {
     const char* name;
     PortChannels channels;
     bool required; // an unconnected optional port reads as the kind's documentation says
+    int border;    // pixels around a result's pixel that it depends on; 0: that pixel alone
 };
 
 // Floats and integers alike are described in double, which holds both exactly.
@@ -37,6 +42,9 @@ struct ParameterInfo {
     const char* summary;
 };
 
+// What is known of a node's parameters before it runs: nothing of those that inputs drive.
+using KnownParameters = std::vector<std::optional<Value>>;
+
 struct NodeKind {
     std::uint32_t code; // fixed for ever; never reused
     const char* name;   // as sources write it
@@ -44,8 +52,14 @@ struct NodeKind {
     std::vector<PortInfo> ports;
     std::vector<ParameterInfo> parameters;
     ResultChannels result;
-    bool keepsPeriodic;  // sources that tile give a result that tiles (for generators: it tiles)
-    double costPerPixel; // rough floating-point operations for one result pixel
+    // Whether a colour result has alpha, by the parameters and by the channels of what is connected to each
+    // port, and of the image parameter's image: 0 for nothing, 1, 3, or 4 with alpha. Null: it has where a
+    // source of a port marked Any has it.
+    bool (*hasAlpha)(const std::vector<Value>& parameters, const std::vector<int>& sourceChannels);
+    // The parameter by which sources that tile may give a result that does not (for generators: by which it
+    // does not tile), null when there is none. Null: there never is.
+    const char* (*breaksPeriod)(const KnownParameters& parameters);
+    double costPerPixel; // floating-point operations for one pixel of the result, at most, roughly
     const NodeKernel* kernel;
 };
 

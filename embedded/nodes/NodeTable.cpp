@@ -1,19 +1,27 @@
+#include "embedded/nodes/Adjust.h"
+#include "embedded/nodes/AmbientOcclusion.h"
 #include "embedded/nodes/Blend.h"
 #include "embedded/nodes/Blur.h"
 #include "embedded/nodes/Bricks.h"
 #include "embedded/nodes/Cellular.h"
 #include "embedded/nodes/ChannelMerge.h"
 #include "embedded/nodes/ChannelSplit.h"
+#include "embedded/nodes/Curvature.h"
 #include "embedded/nodes/Curve.h"
 #include "embedded/nodes/DirectionalBlur.h"
+#include "embedded/nodes/DirectionalWarp.h"
 #include "embedded/nodes/Distance.h"
+#include "embedded/nodes/FlowSmear.h"
 #include "embedded/nodes/FractalNoise.h"
 #include "embedded/nodes/GradientMap.h"
+#include "embedded/nodes/GrayFromColour.h"
 #include "embedded/nodes/HueSaturationLightness.h"
 #include "embedded/nodes/ImageInput.h"
 #include "embedded/nodes/Levels.h"
 #include "embedded/nodes/NodeKind.h"
 #include "embedded/nodes/Normal.h"
+#include "embedded/nodes/NormalCombine.h"
+#include "embedded/nodes/Scatter.h"
 #include "embedded/nodes/Shape.h"
 #include "embedded/nodes/Transform.h"
 #include "embedded/nodes/Uniform.h"
@@ -50,6 +58,14 @@ const std::vector<NodeKind>& nodeKinds() {
         curveKind(),
         directionalBlurKind(),
         distanceKind(),
+        scatterKind(),
+        flowSmearKind(),
+        normalCombineKind(),
+        curvatureKind(),
+        ambientOcclusionKind(),
+        adjustKind(),
+        grayFromColourKind(),
+        directionalWarpKind(),
     };
     return kinds;
 }

@@ -1,129 +1,188 @@
 #include "embedded/nodes/Resample.h"
 
-#include "embedded/nodes/Arithmetic.h"
+#include "embedded/rows/LuminanceRows.h"
 
 #include <algorithm>
-#include <vector>
 
 namespace embedded {
 namespace {
 
-// The old pixels that make a new one, along one axis: count of them from first on (wrapping), with weights
-// from the table's weightStart on.
-struct Taps {
-    int first;
-    int count;
-    std::size_t weightStart;
-};
-
-struct AxisTable {
-    std::vector<Taps> taps;
-    std::vector<float> weights;
-};
-
-AxisTable shrinkingTable(int oldSize, int newSize) {
-    AxisTable table;
+void addShrinkingTaps(AxisTaps& taps, int oldSize, int newSize) {
     const double factor = static_cast<double>(oldSize) / newSize;
     for (int i = 0; i < newSize; ++i) {
         const double begin = i * factor;
         const double end = std::min((i + 1) * factor, static_cast<double>(oldSize));
         const int first = static_cast<int>(begin);
         const int last = std::min(static_cast<int>(end), oldSize - 1);
-        Taps taps{first, 0, table.weights.size()};
+        taps.first.push_back(first);
+        taps.weightStart.push_back(taps.weights.size());
         for (int pixel = first; pixel <= last; ++pixel) {
             const double covered = std::min(end, pixel + 1.0) - std::max(begin, static_cast<double>(pixel));
-            if (covered <= 0) continue;
-            table.weights.push_back(static_cast<float>(covered / factor));
-            ++taps.count;
+            if (covered > 0) taps.weights.push_back(static_cast<float>(covered / factor));
         }
-        table.taps.push_back(taps);
+        taps.count.push_back(static_cast<int>(taps.weights.size() - taps.weightStart.back()));
     }
-    return table;
 }
 
-AxisTable growingTable(int oldSize, int newSize) {
-    AxisTable table;
+struct Place {
+    int right; // the pixel to the right of it; 0 to the old size
+    float t;   // from the pixel to the left of it
+};
+
+Place growingPlace(int i, int oldSize, int newSize) {
+    const double place = (i + 0.5) * oldSize / newSize + 0.5; // one to the right, so that it is above 0
+    const int right = static_cast<int>(place);
+    return {right, static_cast<float>(place - right)};
+}
+
+void addGrowingTaps(AxisTaps& taps, int oldSize, int newSize) {
     for (int i = 0; i < newSize; ++i) {
-        const double place = (i + 0.5) * oldSize / newSize + 0.5; // one to the right, so that it is above 0
-        const int right = static_cast<int>(place);
-        const auto t = static_cast<float>(place - right);
-        table.taps.push_back({(right + oldSize - 1) % oldSize, 2, table.weights.size()});
-        table.weights.push_back(1.0f - t);
-        table.weights.push_back(t);
+        const Place place = growingPlace(i, oldSize, newSize);
+        taps.first.push_back((place.right + oldSize - 1) % oldSize);
+        taps.count.push_back(2);
+        taps.weightStart.push_back(taps.weights.size());
+        taps.weights.push_back(1.0f - place.t);
+        taps.weights.push_back(place.t);
     }
-    return table;
 }
 
-AxisTable axisTable(int oldSize, int newSize) {
-    return newSize < oldSize ? shrinkingTable(oldSize, newSize) : growingTable(oldSize, newSize);
-}
-
-template <int channels>
-Image resampledAcross(const Image& image, int width) {
-    const AxisTable table = axisTable(image.width(), width);
-    Image result(width, image.height(), channels);
-    for (int y = 0; y < image.height(); ++y) {
-        const float* in = image.row(y);
-        float* out = result.row(y);
-        for (const Taps& taps : table.taps) {
-            float sums[channels] = {};
-            int pixel = taps.first;
-            for (int i = 0; i < taps.count; ++i) {
-                const float weight = table.weights[taps.weightStart + static_cast<std::size_t>(i)];
-                for (int c = 0; c < channels; ++c) sums[c] += weight * in[pixel * channels + c];
-                if (++pixel == image.width()) pixel = 0;
-            }
-            for (int c = 0; c < channels; ++c) *out++ = sums[c];
-        }
+void addSameTaps(AxisTaps& taps, int size) {
+    for (int i = 0; i < size; ++i) {
+        taps.first.push_back(i);
+        taps.count.push_back(1);
+        taps.weightStart.push_back(0);
     }
-    return result;
+    taps.weights.push_back(1.0f);
 }
 
-Image resampledDown(const Image& image, int height) {
-    const AxisTable table = axisTable(image.height(), height);
-    Image result(image.width(), height, image.channels());
-    for (int y = 0; y < height; ++y) {
-        const Taps& taps = table.taps[static_cast<std::size_t>(y)];
-        float* out = result.row(y);
-        std::fill_n(out, result.rowSamples(), 0.0f);
-        for (int i = 0; i < taps.count; ++i) {
-            const float weight = table.weights[taps.weightStart + static_cast<std::size_t>(i)];
-            const float* in = image.row((taps.first + i) % image.height());
-            for (std::size_t s = 0; s < result.rowSamples(); ++s) out[s] += weight * in[s];
-        }
-    }
-    return result;
-}
-
-Image copyOf(const Image& image) {
-    Image copy(image.width(), image.height(), image.channels());
-    std::copy_n(image.row(0), image.sampleCount(), copy.row(0));
-    return copy;
+int halvingsBetween(int oldSize, int newSize) {
+    int halvings = 0;
+    while (newSize << halvings < oldSize) ++halvings;
+    return newSize << halvings == oldSize ? halvings : 0;
 }
 
 } // namespace
 
+AxisTaps::AxisTaps(int oldSize, int newSize) {
+    if (newSize < oldSize)
+        addShrinkingTaps(*this, oldSize, newSize);
+    else if (newSize > oldSize)
+        addGrowingTaps(*this, oldSize, newSize);
+    else
+        addSameTaps(*this, newSize);
+}
+
+RowResampler::RowResampler(int oldWidth, int oldHeight, int newWidth, int newHeight)
+    : oldWidth_(oldWidth)
+    , newWidth_(newWidth)
+    , halvings_(halvingsBetween(oldWidth, newWidth))
+    , across_(oldWidth, std::min(oldWidth, newWidth))
+    , down_(oldHeight, newHeight) {
+    if (newWidth <= oldWidth) return;
+    for (int i = 0; i < newWidth; ++i) {
+        const Place place = growingPlace(i, oldWidth, newWidth);
+        left_.push_back(place.right);
+        t_.push_back(place.t);
+    }
+}
+
+// The rows are joined first, so that no image is needed between.
+void RowResampler::computeRow(const Plane& plane, int y, Scratch& scratch, float* out) const {
+    scratch.row.resize(static_cast<std::size_t>(oldWidth_) + 2);
+    float* const row = scratch.row.data() + 1; // room for a pixel at either side
+    if (newWidth_ == oldWidth_) {
+        const float* const same = oldRow(plane, y, scratch, out);
+        if (same != out) std::copy_n(same, newWidth_, out);
+    } else if (newWidth_ > oldWidth_) {
+        const float* const old = oldRow(plane, y, scratch, row);
+        if (old != row) std::copy_n(old, oldWidth_, row);
+        row[-1] = row[oldWidth_ - 1];
+        row[oldWidth_] = row[0];
+        interpolateRow_(row - 1, left_.data(), t_.data(), newWidth_, out);
+    } else if (halvings_ > 0) {
+        const float* in = oldRow(plane, y, scratch, row);
+        scratch.halved.resize(static_cast<std::size_t>(oldWidth_));
+        float* places[] = {scratch.halved.data(), row};
+        for (int i = 1; i <= halvings_; ++i) {
+            float* const place = i == halvings_ ? out : places[(i - 1) % 2];
+            halveRow_(in, oldWidth_ >> i, place);
+            in = place;
+        }
+    } else {
+        shrinkRow(oldRow(plane, y, scratch, row), out);
+    }
+}
+
+// The old rows that make a new one, joined in the place, or a row of the plane.
+const float* RowResampler::oldRow(const Plane& plane, int y, Scratch& scratch, float* place) const {
+    const auto index = static_cast<std::size_t>(y);
+    const int first = down_.first[index];
+    if (down_.count[index] == 1) return rowOf(plane, first);
+    scratch.rows.clear();
+    for (int i = 0; i < down_.count[index]; ++i)
+        scratch.rows.push_back(rowOf(plane, (first + i) % plane.height));
+    weighRows_(scratch.rows.data(), down_.weights.data() + down_.weightStart[index], down_.count[index],
+               oldWidth_, place);
+    return place;
+}
+
+void RowResampler::shrinkRow(const float* in, float* out) const {
+    for (std::size_t x = 0; x < across_.count.size(); ++x) {
+        const float* const weights = across_.weights.data() + across_.weightStart[x];
+        const float* const pixels = in + across_.first[x];
+        float sum = 0;
+        for (int i = 0; i < across_.count[x]; ++i) sum += weights[i] * pixels[i];
+        out[x] = sum;
+    }
+}
+
+std::unique_ptr<ImageKernel> prepareResampling(const ImageView& source, int width, int height) {
+    class Resampling : public ImageKernel {
+    public:
+        Resampling(const ImageView& source, int width, int height)
+            : source_(source)
+            , resampler_(source.width(), source.height(), width, height) {}
+
+        int passCount() const override { return 1; }
+        int rowCount(int) const override { return resampler_.height(); }
+        int rowSamples(int) const override {
+            const int rows = std::max(1, source_.height() / resampler_.height());
+            return source_.channels() * std::max(resampler_.width(), rows * source_.width());
+        }
+        void computeRows(int, int begin, int end, Image& result) override {
+            RowResampler::Scratch scratch;
+            for (int y = begin; y < end; ++y)
+                for (int c = 0; c < source_.channels(); ++c)
+                    resampler_.computeRow(source_.plane(c), y, scratch, result.row(y, c));
+        }
+
+    private:
+        const ImageView source_;
+        const RowResampler resampler_;
+    };
+    return std::make_unique<Resampling>(source, width, height);
+}
+
 Image resampled(const Image& image, int width, int height) {
-    if (width == image.width() && height == image.height()) return copyOf(image);
-    if (height == image.height())
-        return image.channels() == 1 ? resampledAcross<1>(image, width) : resampledAcross<4>(image, width);
-    if (width == image.width()) return resampledDown(image, height);
-    return resampled(resampled(image, width, image.height()), width, height);
+    Image result(width, height, image.channels());
+    const ImageView source(image, image.channels(), nullptr);
+    prepareResampling(source, width, height)->computeRows(0, 0, height, result);
+    return result;
 }
 
 Image withChannels(const Image& image, int channels) {
-    if (channels == image.channels()) return copyOf(image);
     Image result(image.width(), image.height(), channels);
-    const float* in = image.row(0);
-    float* out = result.row(0);
-    const std::size_t pixels =
-        static_cast<std::size_t>(image.width()) * static_cast<std::size_t>(image.height());
-    if (channels == 1) {
-        for (std::size_t i = 0; i < pixels; ++i) out[i] = luminance(in + 4 * i);
-    } else {
-        for (std::size_t i = 0; i < pixels; ++i) {
-            out[4 * i] = out[4 * i + 1] = out[4 * i + 2] = in[i];
-            out[4 * i + 3] = 1.0f;
+    for (int y = 0; y < image.height(); ++y) {
+        if (channels == 1 && image.channels() > 1) {
+            luminanceRow.chosen()(image.row(y, 0), image.row(y, 1), image.row(y, 2), image.width(),
+                                  result.row(y));
+            continue;
+        }
+        for (int c = 0; c < channels; ++c) {
+            if (c == 3 && image.channels() < 4)
+                std::fill_n(result.row(y, c), image.width(), 1.0f);
+            else
+                std::copy_n(image.row(y, std::min(c, image.channels() - 1)), image.width(), result.row(y, c));
         }
     }
     return result;

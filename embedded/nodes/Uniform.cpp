@@ -1,6 +1,5 @@
 #include "embedded/nodes/Uniform.h"
 
-#include "embedded/nodes/Arithmetic.h"
 #include "embedded/nodes/Colours.h"
 #include "embedded/nodes/NodeKernel.h"
 #include "embedded/nodes/Parameters.h"
@@ -14,10 +13,17 @@ enum Parameter { Colour, Fill, Encoding };
 
 std::unique_ptr<RowKernel> prepare(const NodeRun& run) {
     const auto fill = linearColour(run.parameters[Fill], run.integer(Encoding));
-    return makeRowKernel(run, [&run, fill](int, float* out) { fillRow(out, run, fill); });
+    return makeRowKernel([fill, channels = static_cast<std::size_t>(run.channels)](
+                             const Segment& segment, const SourceRow*, float* const* result) {
+        for (std::size_t c = 0; c < channels; ++c) std::fill_n(result[c], segment.count, fill[c]);
+    });
 }
 
-const NodeKernel kernel{prepare};
+bool hasAlpha(const std::vector<Value>& parameters, const std::vector<int>&) {
+    return parameters[Fill].floats[3] != 1.0f;
+}
+
+const NodeKernel kernel{prepare, nullptr};
 
 } // namespace
 
@@ -30,7 +36,8 @@ NodeKind uniformKind() {
              colour("value", {0.5, 0.5, 0.5, 1}, "the colour, or in the first component the gray value"),
              encodingParameter()},
             ResultChannels::ByParameter,
-            true,
+            hasAlpha,
+            nullptr,
             1,
             &kernel};
 }

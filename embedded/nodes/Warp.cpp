@@ -1,9 +1,10 @@
 #include "embedded/nodes/Warp.h"
 
-#include "embedded/nodes/Arithmetic.h"
 #include "embedded/nodes/NodeKernel.h"
 #include "embedded/nodes/Parameters.h"
-#include "embedded/nodes/Sampling.h"
+#include "embedded/rows/WarpRows.h"
+
+#include <array>
 
 namespace embedded {
 namespace {
@@ -11,55 +12,25 @@ namespace {
 enum Parameter { Intensity };
 enum Port { Source, Height, Vectors };
 
-template <int channels>
-struct Displacement {
-    explicit Displacement(const NodeRun& run)
-        : source(run.sources[Source])
-        , heights(run.sources[Height])
-        , vectors(run.sources[Vectors])
-        , side(static_cast<float>(run.shorterSide()))
-        , intensity(run.number(Intensity)) {}
-
-    void computeRow(int y, float* out) const {
-        const int lastX = source->width() - 1;
-        const int lastY = source->height() - 1;
-        const float slopeScale = heights ? 0.5f * side * side * intensity : 0.0f;
-        const float vectorScale = vectors ? 2.0f * side * intensity : 0.0f;
-        for (int x = 0; x <= lastX; ++x, out += channels) {
-            float dx = 0.0f;
-            float dy = 0.0f;
-            if (heights) {
-                const float* row = heights->row(y);
-                dx += slopeScale * (row[(x + 1) & lastX] - row[(x - 1) & lastX]);
-                dy += slopeScale * (heights->row((y + 1) & lastY)[x] - heights->row((y - 1) & lastY)[x]);
-            }
-            if (vectors) {
-                const float* vector = vectors->row(y) + 4 * x;
-                dx += vectorScale * (vector[0] - 0.5f);
-                dy += vectorScale * (vector[1] - 0.5f);
-            }
-            sampleWrapped<channels>(*source, x, y, -dx, -dy, out);
-        }
-    }
-
-    const Image* source;
-    const Image* heights;
-    const Image* vectors;
-    float side;
-    float intensity;
-};
-
-template <int channels>
-std::unique_ptr<RowKernel> prepareChannels(const NodeRun& run) {
-    return makeRowKernel(
-        run, [warp = Displacement<channels>(run)](int y, float* out) { warp.computeRow(y, out); });
+std::array<Plane, 4> planesOf(const ImageView& image) {
+    return {image.plane(0), image.plane(1), image.plane(2), image.plane(3)};
 }
 
 std::unique_ptr<RowKernel> prepare(const NodeRun& run) {
-    return run.channels == 1 ? prepareChannels<1>(run) : prepareChannels<4>(run);
+    const auto side = static_cast<float>(run.shorterSide());
+    const float intensity = run.number(Intensity);
+    const Plane heights = run.connected(Height) ? run.images[Height].plane(0) : Plane{};
+    return makeRowKernel(
+        [source = planesOf(run.images[Source]), channels = run.channels,
+         guides = WarpGuides{heights, 0.5f * side * side * intensity, 2.0f * side * intensity},
+         row = warpRow.chosen()](const Segment& segment, const SourceRow* sources, float* const* result) {
+            const float* const* const vectors = sources[Vectors].channels;
+            row(source.data(), channels, guides, vectors[0], vectors[1], segment.y, segment.x, segment.count,
+                result);
+        });
 }
 
-const NodeKernel kernel{prepare};
+const NodeKernel kernel{prepare, nullptr};
 
 } // namespace
 
@@ -68,16 +39,17 @@ NodeKind warpKind() {
         10,
         "warp",
         "Displaces the source; where both guides are connected, their displacements add.",
-        {{"source", PortChannels::Any, true},
-         {"height", PortChannels::Gray, false},
-         {"vectors", PortChannels::Colour, false}},
+        {{"source", PortChannels::Any, true, anywhere},
+         {"height", PortChannels::Gray, false, 1},
+         {"vectors", PortChannels::Colour, false, 0}},
         {number(
             "intensity", ValueType::Float, 0.01, -1, 1,
             "displacement, in shorter sides of the image, for a height that changes by 1 over that side, and "
             "for vectors at their ends (red right, green down; 0.5 is none)")},
         ResultChannels::Widest,
-        true,
-        40,
+        nullptr,
+        nullptr,
+        80,
         &kernel};
 }
 

@@ -1,113 +1,73 @@
 #include "embedded/nodes/Wave.h"
 
-#include "embedded/nodes/Arithmetic.h"
 #include "embedded/nodes/NodeKernel.h"
 #include "embedded/nodes/Parameters.h"
+#include "embedded/rows/WaveRows.h"
+
+#include <algorithm>
 
 namespace embedded {
 namespace {
 
 enum Parameter { Layout, Profile, Repeats, Phase };
 enum LayoutChoice { Linear, Radial, Angular };
-enum ProfileChoice { Sine, Triangle, Square, Sawtooth };
 
-// Periods from 0 to 1. The step is how much of a period a pixel spans: jumps are as wide as a pixel.
-template <int profile>
-float profileAt(float t, float step) {
-    if (profile == Sine) return 0.5f - 0.5f * cosineOfTurns(t);
-    const float triangle = 1.0f - absolute(2.0f * t - 1.0f);
-    if (profile == Triangle) return triangle;
-    const float span = clamp(step, 1e-6f, 1.0f);
-    if (profile == Square) return clamp((triangle - 0.5f) / (2.0f * span) + 0.5f, 0.0f, 1.0f);
-    // The mean of the sawtooth over the span.
-    const float fromJump = t < 0.5f ? t : t - 1.0f;
-    if (2.0f * absolute(fromJump) >= span) return t;
-    return fromJump + 0.5f - fromJump / span;
+// Sides are powers of two, so the pixels' places are whole parts of a period, and whole periods further the
+// same value stands.
+std::unique_ptr<RowKernel> prepareLinear(const NodeRun& run) {
+    const int longerSide = std::max(run.width, run.height);
+    const int across = run.integer(Repeats, 0);
+    const int down = run.integer(Repeats, 1);
+    const auto partsAcross = static_cast<std::uint32_t>(across * (longerSide / run.width));
+    const auto partsDown = static_cast<std::uint32_t>(down * (longerSide / run.height));
+    LinearWave wave{};
+    wave.profile = static_cast<WaveProfile>(run.integer(Profile));
+    wave.step = 2 * partsAcross;
+    wave.lastPart = 2 * static_cast<std::uint32_t>(longerSide) - 1;
+    wave.phase = run.number(Phase);
+    wave.span = static_cast<float>(std::abs(across)) / static_cast<float>(run.width) +
+                static_cast<float>(std::abs(down)) / static_cast<float>(run.height);
+    return makeRowKernel([wave, partsAcross, partsDown, row = linearWaveRow.chosen()](
+                             const Segment& segment, const SourceRow*, float* const* result) {
+        LinearWave segmentWave = wave;
+        segmentWave.start = (2 * static_cast<std::uint32_t>(segment.x) + 1) * partsAcross +
+                            (2 * static_cast<std::uint32_t>(segment.y) + 1) * partsDown;
+        row(segmentWave, segment.count, result[0]);
+    });
 }
 
-struct Waves {
-    explicit Waves(const NodeRun& run)
-        : width(run.width)
-        , height(run.height)
-        , layout(run.integer(Layout))
-        , across(run.integer(Repeats, 0))
-        , down(run.integer(Repeats, 1))
-        , phase(run.number(Phase))
-        , pixel(2.0f / static_cast<float>(run.shorterSide())) {}
-
-    template <int profile>
-    void computeRow(int y, float* out) const {
-        if (layout == Linear)
-            computeLinearRow<profile>(y, out);
-        else
-            computeCentredRow<profile>(y, out);
-    }
-
-    // Sides are powers of two, so the places are exact and whole periods further the same value stands.
-    template <int profile>
-    void computeLinearRow(int y, float* out) const {
-        const double perColumn = static_cast<double>(across) / width;
-        const double perRow = static_cast<double>(down) / height;
-        const auto step =
-            static_cast<float>((across < 0 ? -perColumn : perColumn) + (down < 0 ? -perRow : perRow));
-        const double start = (y + 0.5) * perRow;
-        for (int x = 0; x < width; ++x) {
-            const double position = (x + 0.5) * perColumn + start;
-            const double part = position - static_cast<int>(position); // -1 to 1
-            const auto place = static_cast<float>(part < 0 ? part + 1 : part);
-            out[x] = profileAt<profile>(partOfPeriod(place), step);
-        }
-    }
-
-    // Distances are 1 at the nearer edges.
-    template <int profile>
-    void computeCentredRow(int y, float* out) const {
-        const auto rings = static_cast<float>(layout == Radial ? across : down);
-        const auto sectors = static_cast<float>(layout == Radial ? 0 : across);
-        const float dy = (static_cast<float>(y) + 0.5f - 0.5f * static_cast<float>(height)) * pixel;
-        for (int x = 0; x < width; ++x) {
-            const float dx = (static_cast<float>(x) + 0.5f - 0.5f * static_cast<float>(width)) * pixel;
-            const float distance = std::sqrt(dx * dx + dy * dy);
-            const float turns = sectors == 0 ? 0.0f : sectors * turnsTo(dx, dy);
-            const float arc = 6.2831853f * clamp(distance, pixel, distance + pixel);
-            const float step = pixel * (absolute(rings) + absolute(sectors) / arc);
-            out[x] = profileAt<profile>(partOfPeriod(rings * distance + turns), step);
-        }
-    }
-
-    float partOfPeriod(float position) const {
-        const float shifted = position - phase;
-        return shifted - static_cast<float>(floorToInt(shifted));
-    }
-
-    int width;
-    int height;
-    int layout;
-    int across;
-    int down;
-    float phase;
-    float pixel; // in the unit of the centred layouts
-};
-
-template <int profile>
-std::unique_ptr<RowKernel> prepareProfile(const NodeRun& run) {
-    return makeRowKernel(run, [waves = Waves(run)](int y, float* out) { waves.computeRow<profile>(y, out); });
+std::unique_ptr<RowKernel> prepareCentred(const NodeRun& run) {
+    const bool isRadial = run.integer(Layout) == Radial;
+    const float pixel = 2.0f / static_cast<float>(run.shorterSide());
+    const CentredWave wave = {static_cast<WaveProfile>(run.integer(Profile)),
+                              static_cast<float>(run.integer(Repeats, isRadial ? 0 : 1)),
+                              static_cast<float>(isRadial ? 0 : run.integer(Repeats, 0)),
+                              run.number(Phase),
+                              pixel,
+                              0.0f};
+    std::vector<float> x;
+    for (int i = 0; i < run.width; ++i)
+        x.push_back((static_cast<float>(i) + 0.5f - 0.5f * static_cast<float>(run.width)) * pixel);
+    return makeRowKernel(
+        [wave, x, middle = 0.5f * static_cast<float>(run.height),
+         row = centredWaveRow.chosen()](const Segment& segment, const SourceRow*, float* const* result) {
+            CentredWave rowWave = wave;
+            rowWave.y = (static_cast<float>(segment.y) + 0.5f - middle) * wave.pixel;
+            row(rowWave, x.data() + segment.x, segment.count, result[0]);
+        });
 }
 
 std::unique_ptr<RowKernel> prepare(const NodeRun& run) {
-    switch (run.integer(Profile)) {
-    case Sine:
-        return prepareProfile<Sine>(run);
-    case Triangle:
-        return prepareProfile<Triangle>(run);
-    case Square:
-        return prepareProfile<Square>(run);
-    default:
-        return prepareProfile<Sawtooth>(run);
-    }
+    return run.integer(Layout) == Linear ? prepareLinear(run) : prepareCentred(run);
 }
 
-const NodeKernel kernel{prepare};
+// Rings and sectors meet those of the next copy with a crease or a jump.
+const char* breaksPeriod(const KnownParameters& parameters) {
+    const std::optional<Value>& layout = parameters[Layout];
+    return layout && layout->integers[0] == Linear ? nullptr : "layout";
+}
+
+const NodeKernel kernel{prepare, nullptr};
 
 } // namespace
 
@@ -123,12 +83,13 @@ NodeKind waveKind() {
             "Waves from 0 to 1 and back; each period begins at 0.",
             {},
             {choice("layout", {"linear", "radial", "angular"}, 0,
-                    "straight waves, rings around the centre, or sectors around it"),
+                    "straight waves, which tile, rings around the centre, or sectors around it"),
              choice("profile", {"sine", "triangle", "square", "sawtooth"}, 0, "the course of a period"),
              repeats, number("phase", ValueType::Float, 0, -1, 1, "shift in periods")},
             ResultChannels::Gray,
-            false, // the linear layout tiles, but the centred ones meet their copies with a crease or a jump
-            40,
+            nullptr,
+            breaksPeriod,
+            70,
             &kernel};
 }
 

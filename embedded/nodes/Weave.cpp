@@ -1,14 +1,14 @@
 #include "embedded/nodes/Weave.h"
 
-#include "embedded/nodes/Arithmetic.h"
+#include "embedded/nodes/CellAxis.h"
 #include "embedded/nodes/NodeKernel.h"
 #include "embedded/nodes/Parameters.h"
+#include "embedded/rows/WeaveRows.h"
 
 namespace embedded {
 namespace {
 
 enum Parameter { Result, Pattern, Threads, Width, Seed };
-enum ResultChoice { Mask, Height, Id, Upright };
 enum PatternChoice { Plain, Twill, Satin };
 
 // After so many threads a weave repeats.
@@ -25,113 +25,108 @@ int roundedUp(int count, int period) {
     return (count + period - 1) / period * period;
 }
 
-// A place along one axis: the thread around it, how far from its middle, in threads.
-struct Place {
-    Place(int pixel, int size, int threads) {
-        const double position = (pixel + 0.5) * threads / size;
-        thread = static_cast<int>(position);
-        offset = static_cast<float>(position - thread) - 0.5f;
-        // The crossings before and behind, wrapped around, and how far it is from one to the other.
-        before = offset < 0 ? (thread + threads - 1) % threads : thread;
-        behind = (before + 1) % threads;
-        way = smooth(offset < 0 ? offset + 1.0f : offset);
+// An axis in halves of threads, from an edge to the middle of a thread or from there to the other edge:
+// within one the crossings before and behind stay the same.
+struct ThreadAxis {
+    ThreadAxis(int size, int threadCount, float halfWidth)
+        : threads(threadCount)
+        , halves(size, 2 * threadCount) {
+        const float pixel = static_cast<float>(threads) / static_cast<float>(size);
+        for (int i = 0; i < size; ++i) {
+            const bool isFirst = halves.cellAt(i) % 2 == 0;
+            const float place = 0.5f * halves.placeAt(i);
+            const float offset = isFirst ? 0.5f - place : place; // without sign
+            const float part = offset / halfWidth;
+            offsets.push_back(offset);
+            covers.push_back(clamp((halfWidth - offset) / pixel + 0.5f, 0.0f, 1.0f));
+            roundings.push_back(0.5f * squareRoot(clamp(1.0f - part * part, 0.0f, 1.0f)));
+            ways.push_back(smooth(isFirst ? place + 0.5f : place));
+        }
     }
 
-    int thread;
-    float offset;
-    int before;
-    int behind;
-    float way;
+    // The middles of the threads before and behind a half, wrapped around.
+    int before(int half) const { return (half / 2 + (half % 2 == 0 ? threads - 1 : 0)) % threads; }
+    int behind(int half) const { return (before(half) + 1) % threads; }
+
+    int threads;
+    CellAxis halves;
+    std::vector<float> offsets; // see ThreadPlaces
+    std::vector<float> covers;
+    std::vector<float> roundings;
+    std::vector<float> ways;
 };
 
-struct Cloth {
+struct ThreadScratch : RowScratch {
+    std::vector<ThreadRun> runs;
+};
+
+class Cloth : public RowKernel {
+public:
     explicit Cloth(const NodeRun& run)
-        : height(run.height)
-        , result(run.integer(Result))
-        , pattern(run.integer(Pattern))
-        , columns(roundedUp(run.integer(Threads, 0), periods[pattern]))
-        , rows(roundedUp(run.integer(Threads, 1), periods[pattern]))
-        , pixelAcross(static_cast<float>(columns) / static_cast<float>(run.width))
-        , pixelDown(static_cast<float>(rows) / static_cast<float>(height))
-        , halfWidth(0.5f * run.number(Width))
-        , seed(static_cast<std::uint32_t>(run.integer(Seed))) {
-        for (int x = 0; x < run.width; ++x) places.emplace_back(x, run.width, columns);
+        : result_(static_cast<WeaveResult>(run.integer(Result)))
+        , pattern_(run.integer(Pattern))
+        , halfWidth_(0.5f * run.number(Width))
+        , across_(run.width, roundedUp(run.integer(Threads, 0), periods[pattern_]), halfWidth_)
+        , down_(run.height, roundedUp(run.integer(Threads, 1), periods[pattern_]), halfWidth_)
+        , seed_(static_cast<std::uint32_t>(run.integer(Seed))) {}
+
+    std::unique_ptr<RowScratch> makeScratch() const override { return std::make_unique<ThreadScratch>(); }
+
+    void compute(const Segment& segment, const SourceRow*, RowScratch* scratch,
+                 float* const* result) const override {
+        std::vector<ThreadRun>& runs = static_cast<ThreadScratch&>(*scratch).runs;
+        runs.clear();
+        eachCell(across_.halves, segment.x, segment.count, [&](int half, int begin, int end) {
+            runs.push_back(runOf(half, segment.y, begin - segment.x, end - segment.x));
+        });
+        const auto y = static_cast<std::size_t>(segment.y);
+        const WeaveRowOf row = {
+            result_,
+            halfWidth_,
+            down_.offsets[y],
+            down_.covers[y],
+            down_.roundings[y],
+            result_ == WeaveResult::Upright ? 0.0f : idOf(down_.halves.cellAt(segment.y) / 2, 0)};
+        const ThreadPlaces places = {across_.offsets.data() + segment.x, across_.covers.data() + segment.x,
+                                     across_.roundings.data() + segment.x, across_.ways.data() + segment.x};
+        weaveRow.chosen()(row, runs.data(), static_cast<int>(runs.size()), places, result[0]);
     }
 
-    void computeRow(int y, float* out) const {
-        const Place down(y, height, rows);
-        for (const Place& across : places)
-            *out++ = result == Mask     ? cover(across, down)
-                     : result == Height ? heightAt(across, down)
-                                        : threadValue(across, down);
-    }
-
-    float cover(const Place& across, const Place& down) const {
-        const float warp = coverOf(across.offset, pixelAcross);
-        const float weft = coverOf(down.offset, pixelDown);
-        return warp > weft ? warp : weft;
-    }
-
-    float coverOf(float offset, float pixel) const {
-        return clamp((halfWidth - absolute(offset)) / pixel + 0.5f, 0.0f, 1.0f);
-    }
-
-    float heightAt(const Place& across, const Place& down) const {
-        const float warp = warpHeight(across, down) * coverOf(across.offset, pixelAcross);
-        const float weft = weftHeight(across, down) * coverOf(down.offset, pixelDown);
-        return warp > weft ? warp : weft;
-    }
-
+private:
     // Threads go up and down between their crossings.
-    float warpHeight(const Place& across, const Place& down) const {
-        const float start = warpIsOnTop(pattern, across.thread, down.before) ? 1.0f : 0.0f;
-        const float end = warpIsOnTop(pattern, across.thread, down.behind) ? 1.0f : 0.0f;
-        return 0.5f * mix(start, end, down.way) + 0.5f * roundness(across.offset);
+    ThreadRun runOf(int half, int y, int begin, int end) const {
+        const int column = half / 2;
+        const int downHalf = down_.halves.cellAt(y);
+        const int row = downHalf / 2;
+        const float way = down_.ways[static_cast<std::size_t>(y)];
+        return {
+            begin,
+            end,
+            mix(warpLevel(column, down_.before(downHalf)), warpLevel(column, down_.behind(downHalf)), way),
+            0.5f - warpLevel(across_.before(half), row),
+            0.5f - warpLevel(across_.behind(half), row),
+            result_ == WeaveResult::Upright ? 1.0f : idOf(column, 1)};
     }
 
-    float weftHeight(const Place& across, const Place& down) const {
-        const float start = warpIsOnTop(pattern, across.before, down.thread) ? 0.0f : 1.0f;
-        const float end = warpIsOnTop(pattern, across.behind, down.thread) ? 0.0f : 1.0f;
-        return 0.5f * mix(start, end, across.way) + 0.5f * roundness(down.offset);
+    float warpLevel(int column, int row) const { return warpIsOnTop(pattern_, column, row) ? 0.5f : 0.0f; }
+
+    float idOf(int thread, std::uint32_t isWarp) const {
+        return unitFloat(hash(static_cast<std::uint32_t>(thread), isWarp, seed_).x);
     }
 
-    float roundness(float offset) const {
-        const float place = offset / halfWidth;
-        return std::sqrt(clamp(1.0f - place * place, 0.0f, 1.0f));
-    }
-
-    float threadValue(const Place& across, const Place& down) const {
-        const bool warp = showsWarp(across, down);
-        if (result == Upright) return warp ? 1.0f : 0.0f;
-        const auto thread = static_cast<std::uint32_t>(warp ? across.thread : down.thread);
-        return unitFloat(hash(thread, warp ? 1 : 0, seed).x);
-    }
-
-    // The higher thread; gaps belong to the nearer one.
-    bool showsWarp(const Place& across, const Place& down) const {
-        const bool onWarp = absolute(across.offset) <= halfWidth;
-        const bool onWeft = absolute(down.offset) <= halfWidth;
-        if (onWarp && onWeft) return warpHeight(across, down) >= weftHeight(across, down);
-        return onWarp || (!onWeft && absolute(across.offset) <= absolute(down.offset));
-    }
-
-    int height;
-    int result;
-    int pattern;
-    int columns;
-    int rows;
-    float pixelAcross; // in threads
-    float pixelDown;
-    float halfWidth;
-    std::uint32_t seed;
-    std::vector<Place> places; // of the pixels across
+    WeaveResult result_;
+    int pattern_;
+    float halfWidth_;
+    ThreadAxis across_;
+    ThreadAxis down_;
+    std::uint32_t seed_;
 };
 
 std::unique_ptr<RowKernel> prepare(const NodeRun& run) {
-    return makeRowKernel(run, [cloth = Cloth(run)](int y, float* out) { cloth.computeRow(y, out); });
+    return std::make_unique<Cloth>(run);
 }
 
-const NodeKernel kernel{prepare};
+const NodeKernel kernel{prepare, nullptr};
 
 } // namespace
 
@@ -150,7 +145,8 @@ NodeKind weaveKind() {
                 "threads across and down, rounded up to whole repeats of the pattern: 2, 4 or 5 threads"),
          number("width", ValueType::Float, 0.9, 0.01, 1, "of a thread; 1 leaves no gaps"), seedParameter()},
         ResultChannels::Gray,
-        true,
+        nullptr,
+        nullptr,
         60,
         &kernel};
 }

@@ -1,34 +1,25 @@
 #include "embedded/nodes/WhiteNoise.h"
 
-#include "embedded/nodes/Arithmetic.h"
+#include "embedded/nodes/CellAxis.h"
 #include "embedded/nodes/NodeKernel.h"
 #include "embedded/nodes/Parameters.h"
+#include "embedded/rows/WhiteNoiseRows.h"
 
 namespace embedded {
 namespace {
 
 enum Parameter { Repeats, Seed };
 
-constexpr int mostRepeats = 16384;
-
-// The cell that the middle of a pixel lies in; sides and cells up to 2^14.
-int cellOf(int pixel, int cells, int size) {
-    return (2 * pixel + 1) * cells / (2 * size);
-}
-
 std::unique_ptr<RowKernel> prepare(const NodeRun& run) {
-    return makeRowKernel(run, [width = run.width, height = run.height, columns = run.integer(Repeats, 0),
-                               rows = run.integer(Repeats, 1),
-                               seed = static_cast<std::uint32_t>(run.integer(Seed))](int y, float* out) {
-        const auto row = static_cast<std::uint32_t>(cellOf(y, rows, height));
-        for (int x = 0; x < width; ++x) {
-            const auto column = static_cast<std::uint32_t>(cellOf(x, columns, width));
-            out[x] = unitFloat(hash(column, row, seed).x);
-        }
+    return makeRowKernel([across = CellAxis(run.width, run.integer(Repeats, 0)),
+                          down = CellAxis(run.height, run.integer(Repeats, 1)),
+                          seed = static_cast<std::uint32_t>(run.integer(Seed)), row = whiteNoiseRow.chosen()](
+                             const Segment& segment, const SourceRow*, float* const* result) {
+        row(seed, down.cellAt(segment.y), across.cellOf.data() + segment.x, segment.count, result[0]);
     });
 }
 
-const NodeKernel kernel{prepare};
+const NodeKernel kernel{prepare, nullptr};
 
 } // namespace
 
@@ -37,11 +28,11 @@ NodeKind whiteNoiseKind() {
             "whiteNoise",
             "A random gray for each cell, 0 to 1, all equally likely.",
             {},
-            {number("repeats", ValueType::Integer2, 256, 1, mostRepeats, "cells across and down"),
-             seedParameter()},
+            {number("repeats", ValueType::Integer2, 256, 1, 16384, "cells across and down"), seedParameter()},
             ResultChannels::Gray,
-            true,
-            25,
+            nullptr,
+            nullptr,
+            30,
             &kernel};
 }
 

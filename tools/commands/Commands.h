@@ -9,8 +9,11 @@ namespace tool {
 void addCompile(CLI::App& app, int& status);
 void addInfo(CLI::App& app, int& status);
 void addRender(CLI::App& app, int& status);
+void addMaps(CLI::App& app, int& status);
 void addSweep(CLI::App& app, int& status);
 void addSheet(CLI::App& app, int& status);
+void addGallery(CLI::App& app, int& status);
+void addVerify(CLI::App& app, int& status);
 void addDescribe(CLI::App& app, int& status);
 void addNodes(CLI::App& app, int& status);
 

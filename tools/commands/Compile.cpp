@@ -17,6 +17,17 @@ struct Options {
     std::string package;
 };
 
+// One line for each output; where there are several graphs, below the graph's URL.
+void printStatements(const std::vector<embedded::OutputStatement>& outputs) {
+    const bool hasSeveralGraphs = !outputs.empty() && outputs.front().graph != outputs.back().graph;
+    std::string graph;
+    for (const embedded::OutputStatement& output : outputs) {
+        if (hasSeveralGraphs && output.graph != graph) std::cout << "graph " << output.graph << "\n";
+        graph = output.graph;
+        std::cout << toString(output) << "\n";
+    }
+}
+
 int run(const Options& options) {
     checkDestination(options.package);
     const kv::vector<char> source = readFileContent(options.source);
@@ -26,6 +37,7 @@ int run(const Options& options) {
     if (result.package.empty()) return Failed;
     const auto* const bytes = reinterpret_cast<const char*>(result.package.data());
     writeFileAtomically(options.package, {bytes, result.package.size()});
+    printStatements(result.outputs);
     return Succeeded;
 }
 
@@ -39,7 +51,7 @@ void addCompile(CLI::App& app, int& status) {
     command->add_option("-o,--output", options->package, "The package to write")
         ->type_name("PACKAGE")
         ->required();
-    command->footer("Nothing is written when there are errors.\n"
+    command->footer("Says of each output whether it tiles. Nothing is written when there are errors.\n"
                     "Example: kvsubstance compile brick_wall.xml -o brick_wall.kvpkg");
     command->callback([options, &status] { status = run(*options); });
 }

@@ -105,7 +105,7 @@ std::vector<std::string> findDependents(kvSubstance::Substance& material, kvSubs
 }
 
 GraphSummary summarizeMaterial(kvSubstance::Substance& material, const char* text) {
-    GraphSummary summary{material.getPackageURL().asChar(), textOf(material.getLabel()), {}, {}, {}};
+    GraphSummary summary{material.getPackageURL().asChar(), textOf(material.getLabel()), {}, {}, {}, {}};
     const auto outputs = findOutputs(text, material);
     for (const kvString::CString& id : material.getInputIds()) {
         kvSubstance::SubstanceInput& input = *material.getInput(id);

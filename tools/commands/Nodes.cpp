@@ -74,15 +74,30 @@ std::string rangeText(const ParameterInfo& parameter) {
     return text;
 }
 
+// In the worst case: nothing is known of the parameters.
+std::string describeTiling(const NodeKind& kind) {
+    const embedded::KnownParameters unknown(kind.parameters.size());
+    if (const char* const parameter = kind.breaksPeriod ? kind.breaksPeriod(unknown) : nullptr)
+        return "May have a seam, by the parameter `" + std::string(parameter) + "`.";
+    return kind.ports.empty() ? "Tiles." : "Tiles if its sources do.";
+}
+
+std::string borderText(int border) {
+    if (border == 0) return "the pixel";
+    if (border == embedded::anywhere) return "any pixel";
+    return border == 1 ? "one pixel around" : std::to_string(border) + " pixels around";
+}
+
 void print(const NodeKind& kind) {
     std::cout << "\n## `" << kind.name << "`\n\n"
-              << kind.summary << " " << describe(kind.result)
-              << (kind.keepsPeriodic ? "" : " Does not tile in every setting.") << "\n";
+              << kind.summary << " " << describe(kind.result) << " " << describeTiling(kind)
+              << " Costs up to about " << number(kind.costPerPixel) << " operations for a pixel.\n";
     if (!kind.ports.empty()) {
-        std::cout << "\n| Port | Takes | |\n|---|---|---|\n";
+        std::cout << "\n| Port | Takes | | Reads |\n|---|---|---|---|\n";
         for (const auto& port : kind.ports)
             std::cout << "| `" << port.name << "` | " << nameOf(port.channels) << " | "
-                      << (port.required ? "required" : "optional") << " |\n";
+                      << (port.required ? "required" : "optional") << " | " << borderText(port.border)
+                      << " |\n";
     }
     if (!kind.parameters.empty()) {
         std::cout << "\n| Parameter | Type | Default | Range | |\n|---|---|---|---|---|\n";

@@ -1,5 +1,6 @@
 // kvsubstance render: one or two packages become a picture.
 
+#include "embedded/engine/Statistics.h"
 #include "tools/AtomicFile.h"
 #include "tools/MaterialOptions.h"
 #include "tools/PngFile.h"
@@ -17,6 +18,7 @@ struct Options {
     std::string picture;
     std::string stateFile;
     bool explains = false;
+    bool counts = false;
 };
 
 void saveState(kvSubstance::Substance& material, const std::string& path) {
@@ -26,13 +28,24 @@ void saveState(kvSubstance::Substance& material, const std::string& path) {
     writeFileAtomically(path, {state.asChar(), state.length()});
 }
 
+void printStatistics() {
+    constexpr double mebibyte = 1 << 20;
+    const embedded::Statistics statistics = embedded::statistics();
+    std::cout << "nodes run " << statistics.nodesRun << ", pixels computed " << statistics.pixelsComputed
+              << "\nmemory of images: " << static_cast<double>(statistics.mostBytesHeld) / mebibyte
+              << " MiB at most, " << static_cast<double>(statistics.bytesHeld) / mebibyte
+              << " MiB kept for the next run\n";
+}
+
 void run(const Options& options) {
     checkDestination(options.picture);
     if (!options.stateFile.empty()) checkDestination(options.stateFile);
     PreparedMaterial prepared(options.material);
     if (options.explains) explainStacking(std::cout, prepared.bottom(), prepared.top(), *prepared.material());
     if (!options.stateFile.empty()) saveState(*prepared.material(), options.stateFile);
-    writePng(options.picture, prepared.render());
+    const Texture texture = prepared.render();
+    writePng(options.picture, texture, toText(prepared.receiptFor(texture)));
+    if (options.counts) printStatistics();
 }
 
 } // namespace
@@ -48,7 +61,9 @@ void addRender(CLI::App& app, int&) {
         ->type_name("FILE");
     command->add_flag("--explain", options->explains,
                       "Print which outputs feed which inputs, and by which name");
+    command->add_flag("--stats", options->counts, "Print what the engine computed, and the memory it took");
     command->footer(
+        "The picture carries a receipt, which \"kvsubstance verify\" checks.\n"
         "Example: kvsubstance render brick_wall.kvpkg moss_overgrowth.kvpkg -o mossy_wall.png --size 1024 "
         "--set coverage=0.7");
     command->callback([options] { run(*options); });

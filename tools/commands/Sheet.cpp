@@ -2,6 +2,8 @@
 
 #include "tools/AtomicFile.h"
 #include "tools/ContactSheet.h"
+#include "tools/PngFile.h"
+#include "tools/Receipt.h"
 #include "tools/commands/Commands.h"
 
 #include <filesystem>
@@ -20,10 +22,15 @@ struct Options {
 void run(const Options& options) {
     checkDestination(options.sheet);
     std::vector<SheetEntry> entries;
-    for (const std::string& picture : options.pictures)
-        entries.push_back(
-            {std::filesystem::path(picture).stem().string(), makeThumbnail(readPng(picture), options.side)});
-    writePng(options.sheet, makeContactSheet(entries, options.side, options.columns));
+    std::vector<SheetMark> marks;
+    for (const std::string& path : options.pictures) {
+        const Texture texture = readPng(path).texture;
+        const std::string label = std::filesystem::path(path).stem().string();
+        entries.push_back({label, makeThumbnail(toPicture(texture), options.side)});
+        marks.push_back({label, digestOf(texture)});
+    }
+    const Texture sheet = toTexture(makeContactSheet(entries, options.side, options.columns));
+    writePng(options.sheet, sheet, sheetReceipt(sheet, std::move(marks)));
 }
 
 } // namespace

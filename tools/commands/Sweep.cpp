@@ -4,6 +4,7 @@
 #include "tools/AtomicFile.h"
 #include "tools/ContactSheet.h"
 #include "tools/Failure.h"
+#include "tools/FileNames.h"
 #include "tools/InputValue.h"
 #include "tools/MaterialOptions.h"
 #include "tools/PngFile.h"
@@ -14,7 +15,6 @@
 #include <charconv>
 #include <cmath>
 #include <cstdio>
-#include <filesystem>
 #include <memory>
 #include <tuple>
 
@@ -106,13 +106,6 @@ std::string numbered(int number, int count) {
     return std::string(std::to_string(count).size() - digits.size(), '0') + digits;
 }
 
-void makeFolder(const std::string& path) {
-    std::error_code error;
-    std::filesystem::create_directories(path, error);
-    if (!std::filesystem::is_directory(path))
-        throw Failure(path + ": the folder cannot be created" + (error ? ": " + error.message() : ""));
-}
-
 void run(const Options& options) {
     std::vector<VariationText> texts;
     for (const std::string& text : options.variations) texts.push_back(splitVariation(text));
@@ -129,6 +122,7 @@ void run(const Options& options) {
     makeFolder(options.folder);
 
     std::vector<SheetEntry> entries;
+    std::vector<SheetMark> marks;
     Progress progress(count);
     for (const embedded::Value& rowValue : rows.values) {
         setInputValue(prepared.material(), *rows.input, rowValue);
@@ -138,19 +132,21 @@ void run(const Options& options) {
                 setInputValue(prepared.material(), *columns.input, columnValue);
                 label += " " + labelOf(columns, columnValue);
             }
-            const Picture picture = prepared.render();
+            const Texture texture = prepared.render();
+            const Receipt receipt = prepared.receiptFor(texture);
             std::string name = numbered(static_cast<int>(entries.size()) + 1, count) + "_" + label + ".png";
             std::replace(name.begin(), name.end(), ' ', '_');
-            const std::string path = (std::filesystem::path(options.folder) / name).string();
-            writePng(path, picture);
-            entries.push_back({label, makeThumbnail(picture, defaultThumbnailSide)});
+            const std::string path = inFolder(options.folder, name);
+            writePng(path, texture, toText(receipt));
+            entries.push_back({label, makeThumbnail(toPicture(texture), defaultThumbnailSide)});
+            marks.push_back({label, receipt.pixels});
             progress.advance(path);
         }
     }
-    if (!options.sheet.empty())
-        writePng(options.sheet,
-                 makeContactSheet(entries, defaultThumbnailSide,
-                                  columns.input ? static_cast<int>(columns.values.size()) : 0));
+    if (options.sheet.empty()) return;
+    const int across = columns.input ? static_cast<int>(columns.values.size()) : 0;
+    const Texture sheet = toTexture(makeContactSheet(entries, defaultThumbnailSide, across));
+    writePng(options.sheet, sheet, sheetReceipt(sheet, std::move(marks)));
 }
 
 } // namespace

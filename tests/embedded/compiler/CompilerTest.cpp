@@ -111,6 +111,30 @@ TEST(Compiler, Description) {
 )");
 }
 
+TEST(Compiler, StatesWhetherOutputsTile) {
+    const CompileResult result = compilePackage(R"(<package>
+  <graph url="pkg://a">
+    <node name="sun" kind="wave" layout="radial"/>
+    <node name="soft" kind="blur" source="sun"/>
+    <output identifier="rays" node="soft"/>
+  </graph>
+  <graph url="pkg://b">
+    <input identifier="unused" type="float" min="0" max="1"/>
+    <input identifier="first" type="image"/><input identifier="second" type="image"/>
+    <node name="both" kind="blend" background="one" foreground="two"/>
+    <node name="two" kind="imageInput" image="{second}"/>
+    <node name="one" kind="imageInput" image="{first}"/>
+    <output identifier="mixed" node="both"/><output identifier="single" node="two"/>
+  </graph>
+</package>)");
+    std::string text;
+    for (const OutputStatement& statement : result.outputs)
+        text += statement.graph + " " + toString(statement) + "\n";
+    EXPECT_EQ(text, "pkg://a output rays: may not tile: node \"sun\" (wave), parameter layout\n"
+                    "pkg://b output mixed: tiles if the images given to first, second do\n"
+                    "pkg://b output single: tiles if the image given to second does\n");
+}
+
 TEST(Compiler, Program) {
     EXPECT_EQ(compileClean(goodSource).program, R"(input 4165606333 role 1 8:9,9
 input 1295450921 role 0 5:

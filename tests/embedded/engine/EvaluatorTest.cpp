@@ -1,17 +1,17 @@
-// The scheduled evaluation against the plain one, byte for byte, with row bands of random sizes in shuffled
-// order or on several threads.
-#include "embedded/engine/Evaluator.h"
+// The scheduled evaluation against the plain one, number by number, and what it runs and keeps.
+#include "embedded/engine/Plan.h"
 #include "embedded/engine/Schedule.h"
 #include "embedded/engine/WorkerPool.h"
 #include "embedded/program/Verifier.h"
+#include "embedded/rows/InstructionSet.h"
 #include "tests/embedded/engine/ProgramBuilder.h"
+#include "tests/embedded/engine/Rendering.h"
 #include "tests/embedded/program/ProgramText.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
 
 using namespace embedded;
 
@@ -37,8 +37,29 @@ private:
     std::mt19937 random_;
 };
 
-// Each kind at the end of random graphs.
-TEST(Evaluator, equalsPlainEvaluationForEveryKindAndAwkwardSizes) {
+// A graph of several sizes with the kind at its end; its outputs give the numbers of some nodes.
+ProgramBuilder randomGraph(const NodeKind& kind, std::mt19937& random) {
+    ProgramBuilder builder(5, 4);
+    const auto cells = builder.node("cellular", {}, {{"result", {3}}});
+    const auto colours = builder.node("gradientMap", {cells}, {{"colour1", {0.9, 0.2, 0.1, 0.5}}});
+    const Image image = builder.imageOf(colours);
+    std::vector<std::int32_t> nodes = {builder.node("fbm"), colours, builder.picture(image)};
+    for (int i = 0; i < 4; ++i) {
+        builder.setSize(static_cast<int>(random() % 7), static_cast<int>(random() % 7));
+        const NodeKind& any = nodeKinds()[random() % nodeKinds().size()];
+        nodes.push_back(builder.randomNode(i == 3 ? kind : any, nodes, random));
+    }
+    for (const std::size_t node : {random() % 7, random() % 7, std::uint_fast32_t{6}}) {
+        const int format = builder.imageOf(nodes[node]).channels() == 1 ? 68 : 67;
+        builder.program.outputs.push_back({0, nodes[node], format, 0});
+    }
+    return builder;
+}
+
+// Each kind in random graphs: any bands and threads, segments of any length, every instruction set, and
+// images of earlier runs with other values. Several graphs for each kind, since most of their parameters
+// differ.
+TEST(Evaluator, equalsPlainEvaluationInEveryWay) {
     std::mt19937 random(1);
     WorkerPool pool(3);
     const auto onThreads = [&](int rows, int, const RowFunction& function) {
@@ -46,73 +67,114 @@ TEST(Evaluator, equalsPlainEvaluationForEveryKindAndAwkwardSizes) {
     };
     for (const NodeKind& kind : nodeKinds()) {
         for (unsigned variant = 0; variant < 24; ++variant) {
-            ProgramBuilder builder(5, 4);
-            const auto cells = builder.node("cellular", {}, {{"result", {3}}});
-            std::vector<std::int32_t> nodes = {
-                builder.node("fbm"),
-                builder.node("gradientMap", {cells}, {{"colour1", {0.9, 0.2, 0.1, 0.5}}})};
-            Image colours = builder.imageOf(nodes.back());
-            for (int i = 0; i < 4; ++i) {
-                const int log2Width = static_cast<int>(random() % 7);
-                const int log2Height = static_cast<int>(random() % 7);
-                builder.setSize(log2Width, log2Height);
-                const NodeKind& any = nodeKinds()[random() % nodeKinds().size()];
-                nodes.push_back(i == 0 ? builder.picture(std::move(colours))
-                                       : builder.randomNode(i == 3 ? kind : any, nodes, random));
-            }
-            for (const std::size_t node : {random() % 6, random() % 6, std::uint_fast32_t{5}})
-                builder.program.outputs.push_back({0, nodes[node], 0, 0});
+            forceInstructionSet(InstructionSet::Baseline);
+            ProgramBuilder builder = randomGraph(kind, random);
             ASSERT_TRUE(verify(builder.program).empty());
-
-            std::size_t received = 0;
-            evaluate(builder.program, {0, 1, 2}, builder.inputValues(),
-                     std::numeric_limits<std::uint64_t>::max(),
-                     variant % 2 ? BandRunner(onThreads) : ShuffledBands(variant),
-                     [&](std::size_t output, const Image& image) {
-                         const std::int32_t node = builder.program.outputs[output].node;
-                         EXPECT_TRUE(sameNumbers(image, builder.imageOf(node)))
-                             << kind.name << variant << ", node " << node << " of\n"
-                             << toText(builder.program);
-                         ++received;
-                     });
-            EXPECT_EQ(received, 3u);
+            Workshop workshop = plainWorkshop();
+            workshop.cache = std::make_shared<ImageCache>();
+            workshop.budget = variant % 3 == 0 ? 0 : 1 << 20;
+            workshop.segmentLength = 1 + static_cast<int>(random() % 70);
+            workshop.runner = variant % 2 ? BandRunner(onThreads) : ShuffledBands(variant);
+            for (int run = 0; run < 2; ++run) {
+                forceInstructionSet(static_cast<InstructionSet>(random() % instructionSetCount));
+                RenderedTextures rendered;
+                evaluate(builder.program, {0, 1, 2}, builder.inputValues(), workshop, rendered);
+                forceInstructionSet(InstructionSet::Baseline);
+                for (const auto& [output, texture] : rendered.textures) {
+                    const std::int32_t node = builder.program.outputs[output].node;
+                    const Image expected = builder.imageOf(node);
+                    EXPECT_TRUE(texture.finished);
+                    EXPECT_TRUE(sameNumbers(imageOf(texture, expected.channels()), expected))
+                        << kind.name << variant << ", node " << node << " of\n"
+                        << toText(builder.program);
+                }
+                EXPECT_EQ(rendered.textures.size(), 3u);
+                // The next run finds some images of this one.
+                for (Binding& binding : builder.program.nodes[random() % 7].parameters)
+                    if (binding.constant.type == ValueType::Float) binding.constant.floats[0] += 0.01f;
+            }
         }
     }
+    forceInstructionSet(bestInstructionSet());
 }
 
-// One line: each step's node, the outputs it shows in brackets, and behind > the nodes it releases.
-TEST(Evaluator, schedulesOnlyWhatIsNeededAndReleasesAfterTheLastUse) {
+// One line: each group's node, + where its image is kept, what streams into it in parentheses, the outputs it
+// shows in brackets, and behind > the images it releases.
+TEST(Evaluator, streamsWhatIsReadOnceAndKeepsTheRest) {
     ProgramBuilder builder(8, 8);
     const auto noise = builder.node("fbm");
     const auto levels = builder.node("levels", {noise});
     const auto unused = builder.node("blur", {noise});
     const auto blend = builder.node("blend", {noise, levels});
     const auto normal = builder.node("normal", {blend});
-    for (const auto node : {blend, normal, unused, blend}) builder.program.outputs.push_back({0, node, 0, 0});
-    const auto schedule = [&](const std::vector<std::size_t>& outputs) {
+    const auto colours = builder.node("gradientMap", {levels});
+    const auto lit = builder.node("blend", {colours, normal});
+    for (const auto node : {blend, lit, unused, blend}) builder.program.outputs.push_back({0, node, 0, 0});
+    const auto schedule = [&](const std::vector<std::size_t>& outputs, const ImageFinder& find) {
+        const Plan plan = makePlan(builder.program, outputs, builder.inputValues());
         std::ostringstream text;
-        for (const auto& step : makeSchedule(builder.program, outputs, builder.inputValues()).steps) {
-            text << ' ' << step.node;
-            for (const std::size_t output : step.outputs) text << '[' << output << ']';
-            for (const std::size_t released : step.released) text << '>' << released;
+        const auto name = [&](std::size_t node) { return plan.nodes[node].kind->name; };
+        for (const Group& group : makeSchedule(plan, find).groups) {
+            text << ' ' << name(group.root) << (group.keepsImage ? "+" : "");
+            for (const std::size_t node : group.streamed) text << '(' << name(node) << ')';
+            for (const Showing& showing : group.showings) text << '[' << showing.output << ']';
+            for (const std::size_t node : group.released) text << '>' << name(node);
         }
         return text.str();
     };
-    EXPECT_EQ(schedule({1}), " 0 1 3>0>1 4[1]>4>3");
-    EXPECT_EQ(schedule({0, 3}), " 0 1 3[0][3]>3>0>1");
-    EXPECT_EQ(schedule({2}), " 0 2[2]>2>0");
+    const auto nothing = [](const ImageKey&) { return nullptr; };
+    EXPECT_EQ(schedule({0, 3}, nothing), " fbm+ blend(levels)[0][3]>fbm");
+    EXPECT_EQ(schedule({2}, nothing), " fbm+ blur+[2]>blur>fbm");
+    EXPECT_EQ(schedule({1}, nothing), " fbm+ levels+ blend+>fbm blend(normal)(gradientMap)[1]>blend>levels");
+    const auto everything = [](const ImageKey&) { return std::make_shared<Image>(1, 1, 1); };
+    EXPECT_EQ(schedule({1}, everything), " blend[1]>blend");
+}
+
+TEST(Evaluator, runsOnlyWhatChangedWithinItsBudget) {
+    ProgramBuilder builder(8, 8);
+    builder.program.inputs = {makeInput(1, ValueType::Float, {0.1}), makeInput(2, ValueType::Float, {1})};
+    const auto noise = builder.node("fbm");
+    const auto blurred = builder.node("blur", {noise});
+    parameter(builder.program.nodes.back(), "sigma") = boundTo(0);
+    const auto tinted = builder.node("levels", {blurred});
+    parameter(builder.program.nodes.back(), "outputHigh") = boundTo(1);
+    builder.program.outputs = {{1, tinted, 68, 0}};
+    constexpr std::uint64_t imageBytes = 256 * 256 * sizeof(float);
+
+    for (const std::uint64_t budget : {8 * imageBytes, std::uint64_t{0}}) {
+        Workshop workshop = plainWorkshop();
+        workshop.cache = std::make_shared<ImageCache>();
+        workshop.budget = budget;
+        const auto nodesRun = [&](InputValues inputs, std::size_t input, float value) {
+            inputs.values[input].floats[0] = value;
+            RenderedTextures rendered;
+            const Statistics run = evaluate(builder.program, {0}, inputs, workshop, rendered);
+            EXPECT_LE(run.bytesHeld, budget);
+            EXPECT_EQ(run.pixelsComputed, run.nodesRun * 256 * 256);
+            return run.nodesRun;
+        };
+        const InputValues inputs = builder.inputValues();
+        const bool keeps = budget > 0;
+        EXPECT_EQ(nodesRun(inputs, 1, 1), 3u);
+        EXPECT_EQ(nodesRun(inputs, 1, 0.5f), keeps ? 1u : 3u);
+        EXPECT_EQ(nodesRun(inputs, 0, 0.2f), keeps ? 2u : 3u);
+        EXPECT_EQ(nodesRun(inputs, 0, 0.1f), keeps ? 1u : 3u); // back again
+    }
 }
 
 TEST(Evaluator, refusesRunsThatDoNotFitIntoMemory) {
     ProgramBuilder builder(8, 8);
     builder.program.outputs = {{1, builder.node("fbm"), 0, 0}};
-    const auto run = [&](std::uint64_t limit) {
-        evaluate(builder.program, {0}, {}, limit, runInOneBand, [](std::size_t, const Image&) {});
-    };
-    const std::uint64_t peak = makeSchedule(builder.program, {0}, {}).peakBytes;
+    const std::uint64_t peak =
+        makeSchedule(makePlan(builder.program, {0}, {}), [](const ImageKey&) { return nullptr; }).peakBytes;
     EXPECT_GE(peak, 256u * 256 * sizeof(float));
-    EXPECT_NO_THROW(run(peak));
-    EXPECT_THROW(run(peak - 1), std::bad_alloc);
+    Workshop workshop = plainWorkshop();
+    RenderedTextures rendered;
+    workshop.limit = peak - 1;
+    EXPECT_THROW(evaluate(builder.program, {0}, {}, workshop, rendered), std::bad_alloc);
+    EXPECT_TRUE(rendered.textures.empty());
+    workshop.limit = peak;
+    EXPECT_NO_THROW(evaluate(builder.program, {0}, {}, workshop, rendered));
 }
 
 TEST(Evaluator, keepsParametersWithinTheirRange) {

@@ -69,12 +69,18 @@ public:
         return node(kind.name, sources, parameters);
     }
 
-    // An image from outside; it has to be colour.
-    std::int32_t picture(Image&& image) {
+    // An image from outside, in its own size.
+    std::int32_t picture(const Image& image, const Parameters& parameters = {}) {
+        auto copy = std::make_shared<Image>(image.width(), image.height(), image.channels());
+        std::copy_n(image.row(0), image.sampleCount(), copy->row(0));
+        images_.push_back(std::move(copy));
         program.inputs.push_back(makeInput(0, ValueType::Image));
-        images_.push_back(std::make_shared<const Image>(std::move(image)));
-        const std::int32_t shown = node("imageInput");
+        const Value size = size_;
+        const auto log2 = [](int side) { return std::log2(static_cast<double>(side)); };
+        size_ = makeValue(ValueType::Integer2, {log2(image.width()), log2(image.height())});
+        const std::int32_t shown = node("imageInput", {}, parameters);
         parameter(program.nodes.back(), "image").input = static_cast<std::int32_t>(program.inputs.size()) - 1;
+        size_ = size;
         return shown;
     }
 

@@ -1,6 +1,7 @@
 // Textures as bytes: encodings, levels, and the way back.
 #include "embedded/engine/TextureDecoding.h"
-#include "embedded/engine/TextureEncoding.h"
+#include "tests/embedded/engine/ProgramBuilder.h"
+#include "tests/embedded/engine/Rendering.h"
 
 #include <gtest/gtest.h>
 
@@ -11,14 +12,15 @@ using namespace embedded;
 
 namespace {
 
-using Bytes = std::vector<unsigned char>;
-
+// The texture that the engine makes of an image.
 Bytes encoded(const Image& image, int format, std::uint32_t wantedLevels = 1) {
-    const PixelFormat pixelFormat = *findPixelFormat(format);
-    const int levels = mipmapLevels(image.width(), image.height(), wantedLevels);
-    Bytes bytes(textureBytes(image.width(), image.height(), pixelFormat, levels));
-    encodeTexture(image, pixelFormat, levels, runInOneBand, bytes.data());
-    return bytes;
+    ProgramBuilder builder(0, 0);
+    const double colour = image.channels() == 1 ? 0 : 1;
+    const auto shown = builder.picture(image, {{"colour", {colour}}});
+    builder.program.outputs = {{1, shown, format, wantedLevels}};
+    RenderedTextures rendered;
+    evaluate(builder.program, {0}, builder.inputValues(), plainWorkshop(), rendered);
+    return rendered.textures.at(0).bytes;
 }
 
 TEST(Texture, encodesEachFormat) {
@@ -35,7 +37,7 @@ TEST(Texture, encodesEachFormat) {
     };
     for (const auto& [pixel, format, bytes] : cases) {
         Image image(1, 1, static_cast<int>(pixel.size()));
-        std::copy(pixel.begin(), pixel.end(), image.row(0));
+        std::copy(pixel.begin(), pixel.end(), image.row(0)); // one after the other, like channels of a row
         EXPECT_EQ(encoded(image, format), bytes) << format;
     }
 }

@@ -1,12 +1,18 @@
 // Arithmetic of the kernels, from + - * / and square roots alone, so that every machine gives the same bits.
-// Sources that use it are compiled without contraction to fused operations.
+// Sources that use it are compiled without contraction to fused operations. The inline namespace keeps the
+// versions for different instruction sets apart (see RowFunction.h).
 #pragma once
 
-#include <cmath>
-#include <cstdint>
-#include <cstring>
+#include <math.h>
+#include <stdint.h>
+#include <string.h>
+
+#if !defined(KVSUBSTANCE_ARITHMETIC)
+#define KVSUBSTANCE_ARITHMETIC arithmetic_plain
+#endif
 
 namespace embedded {
+inline namespace KVSUBSTANCE_ARITHMETIC {
 
 // NaN gives low.
 inline float clamp(float value, float low, float high) {
@@ -28,8 +34,12 @@ inline int roundToInt(float value) {
     return floorToInt(value + 0.5f);
 }
 
+inline float squareRoot(float value) {
+    return sqrtf(value);
+}
+
 inline float absolute(float value) {
-    return value < 0 ? -value : value;
+    return fabsf(value);
 }
 
 // 0 to 1 with no slope at both ends.
@@ -50,32 +60,33 @@ inline float exp2Of(float x) {
     const float power =
         1.0f +
         t * (1.0f + t * (1.0f / 2 + t * (1.0f / 6 + t * (1.0f / 24 + t * (1.0f / 120 + t * (1.0f / 720))))));
-    const std::uint32_t bits = static_cast<std::uint32_t>(whole + 127) << 23;
+    const uint32_t bits = static_cast<uint32_t>(whole + 127) << 23;
     float scale;
-    std::memcpy(&scale, &bits, sizeof scale);
+    memcpy(&scale, &bits, sizeof scale);
     return power * scale;
 }
 
 // For normal numbers above 0.
 inline float log2Of(float x) {
-    std::uint32_t bits;
-    std::memcpy(&bits, &x, sizeof bits);
-    constexpr std::uint32_t rootOfHalf = 0x3f3504f3u; // the mantissa is taken from sqrt(1/2) to sqrt(2)
-    const std::uint32_t shifted = bits - rootOfHalf;
-    const int exponent = static_cast<int>(shifted >> 23) - (shifted >> 31 ? 512 : 0);
-    const std::uint32_t mantissaBits = (shifted & 0x007fffffu) + rootOfHalf;
+    uint32_t bits;
+    memcpy(&bits, &x, sizeof bits);
+    constexpr uint32_t rootOfHalf = 0x3f3504f3u; // the mantissa is taken from sqrt(1/2) to sqrt(2)
+    const uint32_t shifted = bits - rootOfHalf;
+    const int exponent = static_cast<int32_t>(shifted) >> 23; // rounds down on all our compilers
+    const uint32_t mantissaBits = (shifted & 0x007fffffu) + rootOfHalf;
     float mantissa;
-    std::memcpy(&mantissa, &mantissaBits, sizeof mantissa);
+    memcpy(&mantissa, &mantissaBits, sizeof mantissa);
     const float s = (mantissa - 1.0f) / (mantissa + 1.0f);
     const float q = s * s;
     const float series = 1.0f + q * (1.0f / 3 + q * (1.0f / 5 + q * (1.0f / 7 + q * (1.0f / 9))));
     return static_cast<float>(exponent) + s * series * 2.88539008178f; // 2 / ln 2
 }
 
-// Zero and below give 0.
+// Zero and below give 0. The factor spares a branch; what it multiplies is always finite.
 inline float power(float base, float exponent) {
     constexpr float smallest = 1.17549435e-38f;
-    return base < smallest ? 0.0f : exp2Of(exponent * log2Of(base));
+    const float positive = base < smallest ? smallest : base;
+    return exp2Of(exponent * log2Of(positive)) * (base < smallest ? 0.0f : 1.0f);
 }
 
 // Sine of an angle in turns, of a size up to 2^20.
@@ -132,10 +143,10 @@ inline float luminance(const float* colour) {
 
 // M. Jarzynski and M. Olano, "Hash Functions for GPU Rendering", 2020: pcg3d.
 struct Hash3 {
-    std::uint32_t x, y, z;
+    uint32_t x, y, z;
 };
 
-inline Hash3 hash(std::uint32_t x, std::uint32_t y, std::uint32_t z) {
+inline Hash3 hash(uint32_t x, uint32_t y, uint32_t z) {
     x = x * 1664525u + 1013904223u;
     y = y * 1664525u + 1013904223u;
     z = z * 1664525u + 1013904223u;
@@ -152,8 +163,9 @@ inline Hash3 hash(std::uint32_t x, std::uint32_t y, std::uint32_t z) {
 }
 
 // 0 to 1, without 1.
-inline float unitFloat(std::uint32_t bits) {
-    return static_cast<float>(static_cast<std::int32_t>(bits >> 8)) * (1.0f / 16777216.0f);
+inline float unitFloat(uint32_t bits) {
+    return static_cast<float>(static_cast<int32_t>(bits >> 8)) * (1.0f / 16777216.0f);
 }
 
+} // namespace KVSUBSTANCE_ARITHMETIC
 } // namespace embedded

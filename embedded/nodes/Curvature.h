@@ -1,0 +1,10 @@
+// Edges and cavities of a height image.
+#pragma once
+
+#include "embedded/nodes/NodeKind.h"
+
+namespace embedded {
+
+NodeKind curvatureKind();
+
+} // namespace embedded

@@ -1,0 +1,25 @@
+// What running a program costs at most, before it runs.
+#pragma once
+
+#include "embedded/program/Program.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+namespace embedded {
+
+struct ProgramCost {
+    std::size_t nodes = 0;    // that have to run
+    double operations = 0;    // floating-point operations, roughly
+    std::uint64_t bytes = 0;  // of the results of all nodes; the engine holds fewer of them at a time
+    std::uint64_t pixels = 0; // of the largest result
+};
+
+// The cost of computing these outputs, indexes into Program::outputs, whatever the values of inputs are, for
+// the resolution (base-2 logarithms of width and height) of all nodes whose resolution an input drives. The
+// program holds to the rules of Verifier.h.
+ProgramCost costOf(const Program& program, const std::vector<std::size_t>& outputs, int log2Width,
+                   int log2Height);
+
+} // namespace embedded

@@ -1,0 +1,72 @@
+// Numbers of bricks and scattered copies.
+#include "tests/embedded/engine/ProgramBuilder.h"
+
+#include <gtest/gtest.h>
+
+#include <map>
+#include <numeric>
+
+using namespace embedded;
+
+namespace {
+
+double sumOf(const Image& gray) {
+    return std::accumulate(gray.row(0), gray.row(0) + gray.sampleCount(), 0.0);
+}
+
+TEST(Pattern, pavingsAreOfBricksOfOneSize) {
+    for (const double pattern : {2.0, 3.0}) { // basket and herringbone, rounded up to 4 columns and 8 rows
+        ProgramBuilder builder(8, 8);
+        ProgramBuilder::Parameters paving = {
+            {"pattern", {pattern}}, {"columns", {3}}, {"rows", {5}}, {"mortar", {0.25}}, {"rounding", {0}}};
+        const Image mask = builder.imageOf(builder.node("bricks", {}, paving));
+        EXPECT_NEAR(sumOf(mask) / 65536, 0.75 * 1.75 / 2, 0.005);
+        paving["result"] = {2};
+        const Image identity = builder.imageOf(builder.node("bricks", {}, paving));
+        std::map<float, int> areas;
+        int upright = 0; // pixels whose brick goes on above or below them
+        for (int i = 0; i < 65536; ++i) {
+            const auto idAt = [&](int y) { return identity.row(y % 256)[i % 256]; };
+            ++areas[idAt(i / 256)];
+            upright += idAt(i / 256) == idAt(i / 256 + 32) || idAt(i / 256) == idAt(i / 256 + 224);
+        }
+        EXPECT_EQ(upright, 32768) << pattern;
+        EXPECT_EQ(areas.size(), 32u) << pattern;
+        for (const auto& [id, area] : areas) EXPECT_EQ(area, 2048) << pattern << ' ' << id;
+    }
+}
+
+// Squares of a known size that are added up: what leaves the image at one edge has to come in at the other.
+TEST(Pattern, scatteredCopiesKeepTheirArea) {
+    const struct {
+        double repeats, copies, size, mask, area; // the area in the image's
+    } cases[] = {{1, 4, 2, 1, 16}, {3, 2, 1.5, 1, 4.5}, {16, 1, 0.3, 1, 0.09}, {64, 1, 1, 0.25, 0.25}};
+    for (const auto& [repeats, copies, size, maskValue, area] : cases) {
+        ProgramBuilder builder(8, 8);
+        const auto white = builder.node("uniform", {}, {{"value", {1}}});
+        const auto mask = builder.node("uniform", {}, {{"value", {maskValue}}});
+        ProgramBuilder::Parameters adding = {{"copies", {copies}}, {"jitter", {1}}, {"overlap", {1}}};
+        adding["repeats"] = {repeats, repeats};
+        adding["size"] = {size, size};
+        const Image image = builder.imageOf(builder.node("scatter", {white, mask}, adding));
+        EXPECT_NEAR(sumOf(image) / 65536 / area, 1, 0.03) << area;
+    }
+}
+
+TEST(Pattern, scatteredColoursLieOnNothing) {
+    ProgramBuilder builder(6, 6);
+    const auto colour = builder.node("uniform", {}, {{"colour", {1}}, {"value", {2, 0.5, 0.25, 0.5}}});
+    for (const double overlap : {0.0, 1.0, 2.0, 3.0}) {
+        const auto scatter =
+            builder.node("scatter", {colour, -1},
+                         {{"size", {0.5, 0.5}}, {"jitter", {0}}, {"turn", {0}}, {"overlap", {overlap}}});
+        const Image image = builder.imageOf(scatter);
+        const float expected[] = {2, 0.5f, 0.25f, 0.5f};
+        for (int c = 0; c < 4; ++c) {
+            EXPECT_NEAR(image.row(8, c)[8], expected[c], 1e-6) << overlap;
+            EXPECT_EQ(image.row(16, c)[16], 0) << overlap; // between four copies
+        }
+    }
+}
+
+} // namespace

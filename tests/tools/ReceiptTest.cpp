@@ -1,0 +1,220 @@
+// Maps, the receipts that pictures carry, and the gallery.
+
+#include "tests/tools/ToolFixture.h"
+
+#include <zlib.h>
+
+#include <array>
+#include <utility>
+
+namespace {
+
+const std::string receiptKeyword("kvSubstance receipt\0", 20);
+
+// Where the chunk with the receipt begins, and its size.
+std::pair<size_t, size_t> findReceiptChunk(const std::string& png) {
+    const size_t begin = png.find("tEXt" + receiptKeyword) - 4;
+    const auto byte = [&](size_t i) {
+        return static_cast<size_t>(static_cast<unsigned char>(png.at(begin + i)));
+    };
+    return {begin, (byte(2) << 8) + byte(3) + 12};
+}
+
+std::string receiptOf(const std::string& png) {
+    const auto [begin, size] = findReceiptChunk(png);
+    return png.substr(begin + 8 + receiptKeyword.size(), size - 12 - receiptKeyword.size());
+}
+
+std::string bigEndian(size_t number) {
+    std::string bytes;
+    for (int shift = 24; shift >= 0; shift -= 8) bytes += static_cast<char>(number >> shift & 255);
+    return bytes;
+}
+
+// The picture with another receipt, or its first one.
+std::string withReceipt(std::string png, const std::string& receipt) {
+    if (png.find(receiptKeyword) != std::string::npos) {
+        const auto [begin, size] = findReceiptChunk(png);
+        png.erase(begin, size);
+    }
+    const std::string data = "tEXt" + receiptKeyword + receipt;
+    const auto sum = crc32(0, reinterpret_cast<const Bytef*>(data.data()), static_cast<uInt>(data.size()));
+    constexpr size_t behindHeader = 33;
+    return png.insert(behindHeader, bigEndian(data.size() - 4) + data + bigEndian(sum));
+}
+
+std::string replaced(std::string text, const std::string& from, const std::string& to) {
+    EXPECT_NE(text.find(from), std::string::npos) << from << " in " << text;
+    return text.replace(text.find(from), from.size(), to);
+}
+
+TEST_F(Tool, MapsHaveTheirOwnDepthAndChannels) {
+    std::string outputs;
+    for (const char* const format : {"srgb8", "rgba8", "rgba16", "gray8", "gray16"})
+        outputs += std::string("<output identifier=\"") + format + "\" format=\"" + format + "\" node=\"" +
+                   (format[0] == 'g' ? "gray" : "colour") + "\"/>";
+    const auto graph = [&](const std::string& url, const std::string& first = "0.2") {
+        return "<graph url=\"" + url + R"("><input identifier="$resolution" type="integer2" default="3,2"/>
+            <node name="gray" kind="uniform" value=")" +
+               first + R"("/><node name="colour" kind="uniform" colour="colour" value=")" + first +
+               R"(,0.4,0.6,0.8"/>)" + outputs + "</graph>";
+    };
+    compilePackage("formats", "<package>" + graph("pkg://formats") + "</package>");
+    ASSERT_EQ(run("maps formats.kvpkg -o maps").status, 0);
+    struct Expected {
+        const char* output;
+        int bits;
+        int colourType;
+        std::vector<int> samples;
+    };
+    for (const Expected& expected : std::vector<Expected>{{"srgb8", 8, 6, {124, 170, 203, 204}},
+                                                          {"rgba8", 8, 6, {51, 102, 153, 204}},
+                                                          {"rgba16", 16, 6, {13107, 26214, 39321, 52428}},
+                                                          {"gray8", 8, 0, {51}},
+                                                          {"gray16", 16, 0, {13107}}}) {
+        SCOPED_TRACE(expected.output);
+        const std::string png = readFile(folder / "maps" / (std::string(expected.output) + ".png"));
+        ASSERT_GT(png.size(), 33u);
+        EXPECT_EQ(png.substr(16, 8), bigEndian(8) + bigEndian(4));
+        EXPECT_EQ(png[24], expected.bits);
+        EXPECT_EQ(png[25], expected.colourType);
+        EXPECT_EQ(png.find("gAMA"), std::string::npos);
+        EXPECT_EQ(png.find("sRGB\0", 0, 5) != std::string::npos, std::string(expected.output) == "srgb8");
+
+        // Verify prints the samples: against a picture of the same kind with another value.
+        const std::string name = std::string("maps/") + expected.output + ".png";
+        EXPECT_EQ(run("verify " + name + " formats.kvpkg").status, 0);
+        std::string printed;
+        for (const int sample : expected.samples)
+            printed += (printed.empty() ? "" : ",") + std::to_string(sample);
+        compilePackage("other", "<package>" + graph("pkg://formats", "1") + "</package>");
+        const Outcome outcome = run("verify " + name + " other.kvpkg");
+        EXPECT_NE(outcome.out.find("pixels: 32 of 32, the first at x 0, y 0: " + printed + " in the picture"),
+                  std::string::npos)
+            << outcome.out;
+    }
+
+    // Several graphs: a folder each, and values only for one of them.
+    compilePackage("two", "<package>" + graph("pkg://one") + graph("pkg://deep/two") + "</package>");
+    ASSERT_EQ(run("maps two.kvpkg -o both --size 16").status, 0);
+    EXPECT_EQ(readPng(folder / "both/one/gray8.png").rgba.size(), 16u * 16 * 4);
+    EXPECT_EQ(run("verify both/two/gray16.png two.kvpkg").status, 0);
+    EXPECT_EQ(run("maps two.kvpkg -o chosen --graph two").status, 0);
+    EXPECT_TRUE(fs::exists(folder / "chosen/gray8.png"));
+    EXPECT_EQ(run("maps two.kvpkg -o none --graph three").status, 1);
+    EXPECT_EQ(run("maps two.kvpkg -o none --preset Blue").status, 1);
+    EXPECT_FALSE(fs::exists(folder / "none"));
+}
+
+TEST_F(Tool, PicturesOfEveryKindAreMadeAgain) {
+    const std::string values = "--size 32 --set level=0.1234567 --set tint=0.9876543,0.1,0.3 ";
+    const std::string both = "bottom.kvpkg top.kvpkg ";
+    for (const auto& [command, picture, packages] : std::vector<std::array<std::string, 3>>{
+             {"render bottom.kvpkg --preset Blue --set level=0.3 -o a.png", "a.png", "bottom.kvpkg"},
+             {"render bottom.kvpkg --channel roughness -o a.png", "a.png", "bottom.kvpkg"},
+             {"render " + both + values + "-o a.png --save-state state.txt", "a.png", both},
+             {"render " + both + "--preset top:Snow --set amount=0.3 -o a.png", "a.png", both},
+             {"maps bottom.kvpkg -o maps --state state.txt --set look=noisy", "maps/basecolor.png",
+              "bottom.kvpkg"},
+             {"maps top.kvpkg -o maps --preset Snow", "maps/Output.png", "top.kvpkg"},
+             {"sweep bottom.kvpkg --vary level=0..1:3 -o sweep --sheet a.png", "sweep/2_level=0.5.png",
+              "bottom.kvpkg"},
+             {"sheet a.png -o a.png", "a.png", ""}}) {
+        SCOPED_TRACE(command);
+        const Outcome made = run(command);
+        ASSERT_EQ(made.status, 0) << made.error;
+        const std::string first = readFile(folder / picture);
+        const Outcome verified = run("verify " + picture + " " + packages);
+        EXPECT_EQ(verified.status, 0) << verified.out << verified.error;
+        EXPECT_EQ(verified.out.compare(0, 6, "equal:"), 0) << verified.out;
+        run(command);
+        if (packages.empty()) continue; // a sheet over itself is another one
+        EXPECT_EQ(readFile(folder / picture), first);
+    }
+}
+
+TEST_F(Tool, VerifySaysWhatDiffers) {
+    Pixels pixels = render("bottom.kvpkg --set level=0.3");
+    const std::string png = readFile(folder / "rendered.png");
+    const std::string receipt = receiptOf(png);
+    writeFile("engine.png", withReceipt(png, replaced(receipt, "engineRevision\":", "engineRevision\":9")));
+    writeFile("value.png", withReceipt(png, replaced(receipt, "\"0.3\"", "\"high\"")));
+    writeFile("input.png", withReceipt(png, replaced(receipt, "\"level\"", "\"levle\"")));
+    writeFile("size.png", withReceipt(png, replaced(receipt, "\"4,4\"", "\"5,3\"")));
+    writeFile("channel.png", withReceipt(png, replaced(receipt, "diffuse", "roughness")));
+    writeFile("damaged.png", withReceipt(png, receipt.substr(1)));
+    writeFile("version.png", withReceipt(png, replaced(receipt, "receipt\":1", "receipt\":99")));
+    compilePackage("other", replaced(bottomSource, "default=\"0.5\"", "default=\"0.6\""));
+
+    pixels.rgba[4 * (16 * 2 + 3) + 1] ^= 1;
+    png_image image{};
+    image.version = PNG_IMAGE_VERSION;
+    image.width = image.height = 16;
+    image.format = PNG_FORMAT_RGBA;
+    ASSERT_TRUE(png_image_write_to_file(&image, (folder / "foreign.png").string().c_str(), 0,
+                                        pixels.rgba.data(), 0, nullptr));
+    writeFile("edited.png", withReceipt(readFile(folder / "foreign.png"), receipt));
+
+    for (const auto& [arguments, parts] : std::vector<std::pair<std::string, std::vector<std::string>>>{
+             {"engine.png bottom.kvpkg", {"engine: revision 9", "equal all the same: the pixels"}},
+             {"value.png bottom.kvpkg", {"values: level does not take \"high\"", "pixels: "}},
+             {"input.png bottom.kvpkg", {"values: there is nothing to set", "levle", "pixels: "}},
+             {"size.png bottom.kvpkg", {"size: 16 x 16 pixels in the picture, 32 x 8 pixels rendered"}},
+             {"channel.png bottom.kvpkg", {"pixels: ", "layout: "}},
+             {"rendered.png other.kvpkg",
+              {"package: other.kvpkg is not the bottom.kvpkg", "equal all the same"}},
+             {"edited.png bottom.kvpkg",
+              {"picture: it was changed", "pixels: 1 of 256, the first at x 3, y 2: "}}}) {
+        const Outcome outcome = run("verify " + arguments);
+        EXPECT_EQ(outcome.status, 1) << arguments;
+        for (const std::string& part : parts)
+            EXPECT_NE(outcome.out.find(part), std::string::npos) << part << " in\n" << outcome.out;
+        EXPECT_EQ(outcome.error, "") << arguments;
+    }
+
+    for (size_t size = 0; size < png.size(); size += 61)
+        writeFile("cut" + std::to_string(size) + ".png", png.substr(0, size));
+    std::vector<std::string> refused{"damaged.png bottom.kvpkg",   "version.png bottom.kvpkg",
+                                     "foreign.png bottom.kvpkg",   "bottom.xml bottom.kvpkg",
+                                     "missing.png bottom.kvpkg",   "rendered.png",
+                                     "rendered.png missing.kvpkg", "rendered.png bottom.kvpkg top.kvpkg"};
+    for (size_t size = 0; size < png.size(); size += 61)
+        refused.push_back("cut" + std::to_string(size) + ".png bottom.kvpkg");
+    for (const std::string& arguments : refused) {
+        const Outcome outcome = run("verify " + arguments);
+        EXPECT_EQ(outcome.status, 1) << arguments;
+        EXPECT_EQ(outcome.out, "") << arguments;
+        EXPECT_EQ(outcome.error.find("error: "), 0u) << outcome.error;
+        EXPECT_EQ(outcome.error.find('\n'), outcome.error.size() - 1) << outcome.error;
+    }
+}
+
+TEST_F(Tool, GalleryShowsEverythingAndNeedsNothingElse) {
+    compilePackage("odd", replaced(bottomSource, "label=\"Level\"", "label=\"&lt;b&gt; &amp; &quot;\""));
+    compilePackage("odd", replaced(replaced(readFile(folder / "odd.xml"), "pkg://bottom", "pkg://odd"),
+                                   "\"Blue\"", "\"../Blue?\""));
+    const Outcome outcome = run("gallery bottom.kvpkg top.kvpkg odd.kvpkg -o shown");
+    ASSERT_EQ(outcome.status, 0) << outcome.error;
+    const std::string page = readFile(folder / "shown/gallery.html");
+    int pictures = 0;
+    for (const std::string attribute : {"src=\"", "href=\""})
+        for (size_t at = page.find(attribute); at != std::string::npos; at = page.find(attribute, at + 1)) {
+            const size_t begin = at + attribute.size();
+            const std::string target = page.substr(begin, page.find('"', begin) - begin);
+            if (target[0] == '#') continue;
+            EXPECT_FALSE(readPng(folder / "shown" / target).rgba.empty()) << target;
+            ++pictures;
+        }
+    EXPECT_EQ(pictures, 2 * (4 + 3 + 4)); // a picture, maps and a preset for each, shown and linked
+    for (const char* const part : {"&lt;b&gt; &amp; &quot;", "over bottom", "As the sky", "0 to 1 by 0.1",
+                                   "Plain, Noisy", "background:rgb(255,0,0)"})
+        EXPECT_NE(page.find(part), std::string::npos) << part;
+    EXPECT_EQ(page.find("://"), std::string::npos);
+
+    EXPECT_EQ(readPng(folder / "shown/gallery/bottom/preset_Blue.png").rgba,
+              render("bottom.kvpkg --preset Blue --size 256").rgba);
+    EXPECT_EQ(run("verify shown/gallery/top/preset_Snow.png bottom.kvpkg top.kvpkg").status, 0);
+    EXPECT_EQ(run("gallery bottom.kvpkg bottom.kvpkg -o shown").status, 1);
+}
+
+} // namespace
