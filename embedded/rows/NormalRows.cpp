@@ -1,48 +1,45 @@
 #include "embedded/rows/NormalRows.h"
 
+#include "embedded/rows/WrappedRow.h"
+
 namespace embedded::KVSUBSTANCE_ROWS {
 namespace {
 
-struct Normals {
-    const float* above;
-    const float* middle;
-    const float* below;
-    float scale;
-    float greenScale;
-    float* __restrict red;
-    float* __restrict green;
-    float* __restrict blue;
+struct Scales {
+    float right;
+    float down;
 };
 
-inline void storeNormal(const Normals& n, int i, int x, int before, int after) {
-    const float nx = n.scale * (n.middle[before] - n.middle[after]);
-    const float ny = n.greenScale * (n.below[x] - n.above[x]);
-    const float half = 0.5f / squareRoot(nx * nx + ny * ny + 1.0f);
-    n.red[i] = nx * half + 0.5f;
-    n.green[i] = ny * half + 0.5f;
-    n.blue[i] = half + 0.5f;
+// Before and behind are the rows of the same heights, a pixel to either side.
+inline void storeNormals(const Scales& scales, const float* before, const float* behind, const float* above,
+                         const float* below, int count, float* __restrict red, float* __restrict green,
+                         float* __restrict blue) {
+    const float right = scales.right;
+    const float down = scales.down;
+    for (int i = 0; i < count; ++i) {
+        const float nx = right * (before[i] - behind[i]);
+        const float ny = down * (below[i] - above[i]);
+        const float half = 0.5f / squareRoot(nx * nx + ny * ny + 1.0f);
+        red[i] = nx * half + 0.5f;
+        green[i] = ny * half + 0.5f;
+        blue[i] = half + 0.5f;
+    }
 }
 
 } // namespace
 
 void normalRow(const Plane& heights, float scale, float greenSign, int y, int x, int count,
                float* const* out) {
-    const int lastX = heights.width - 1;
-    const int lastY = heights.height - 1;
-    const Normals n = {rowOf(heights, (y - 1) & lastY),
-                       rowOf(heights, y),
-                       rowOf(heights, (y + 1) & lastY),
-                       scale,
-                       scale * greenSign,
-                       out[0],
-                       out[1],
-                       out[2]};
-    // Only the ends of a row look around its edges.
-    int i = 0;
-    if (x == 0 && count > 0) storeNormal(n, i++, 0, lastX, 1 & lastX);
-    const int inner = x + count > lastX ? count - 1 : count;
-    for (; i < inner; ++i) storeNormal(n, i, x + i, x + i - 1, x + i + 1);
-    if (i < count) storeNormal(n, i, lastX, lastX - 1, 0);
+    constexpr int piece = 256;
+    float beside[piece + 2];
+    const float* const above = rowOf(heights, (y - 1) & (heights.height - 1)) + x;
+    const float* const below = rowOf(heights, (y + 1) & (heights.height - 1)) + x;
+    for (int begin = 0; begin < count; begin += piece) {
+        const int length = count - begin < piece ? count - begin : piece;
+        const float* const row = wrappedRow(heights, y, x + begin - 1, length + 2, beside);
+        storeNormals({scale, scale * greenSign}, row, row + 2, above + begin, below + begin, length,
+                     out[0] + begin, out[1] + begin, out[2] + begin);
+    }
 }
 
 } // namespace embedded::KVSUBSTANCE_ROWS
