@@ -6,6 +6,7 @@
 #   ./check.sh asan     under the address, leak and undefined behaviour sanitizers
 #   ./check.sh tsan     under the thread sanitizer
 #   ./check.sh clang    optimised, clang
+#   ./check.sh windows  64-bit Windows: cross-built with mingw-w64, run under wine (docs/windows.md)
 #   ./check.sh lint     formatting, clang-tidy, and the shipped headers on their own
 #   ./check.sh bench    benchmarks, optimised; fails when time grows faster than it may
 #
@@ -34,6 +35,11 @@ release | debug | asan | tsan)
 clang)
     build_and_test clang "${clang_packages[@]}"
     ;;
+windows)
+    cmake/install-packages.sh "${build_packages[@]}" "${windows_packages[@]}"
+    cmake/windows/dependencies.sh "${header_packages[@]}"
+    cmake/windows/check.sh
+    ;;
 lint)
     cmake/install-packages.sh "${build_packages[@]}" "${clang_packages[@]}" "${lint_packages[@]}"
     cmake/lint.sh
@@ -47,7 +53,7 @@ bench)
     build/release/bin/engine_benchmarks --benchmark_repetitions=5
     ;;
 *)
-    echo "error: unknown mode \"$mode\"; expected release, debug, asan, tsan, clang, lint or bench" >&2
+    echo "error: unknown mode \"$mode\"; expected release, debug, asan, tsan, clang, windows, lint or bench" >&2
     exit 2
     ;;
 esac

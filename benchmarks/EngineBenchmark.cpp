@@ -82,8 +82,8 @@ public:
         workshop_.runner = [this](int rows, int rowSamples, const RowFunction& function) {
             pool_.run(rows, rowSamples, function);
         };
-        workshop_.memory = std::make_shared<ImageMemory>(std::size_t{1} << 30);
-        workshop_.budget = std::uint64_t{1} << 30;
+        workshop_.budget = std::uint64_t{512} << 20;
+        workshop_.memory = std::make_shared<ImageMemory>(workshop_.budget);
         if (keepsImages) workshop_.cache = std::make_shared<ImageCache>();
     }
 

@@ -14,10 +14,6 @@ target_link_libraries(kvsubstance_core PUBLIC kvsubstance_settings kvsubstance_p
 add_library(kvsubstance SHARED)
 add_library(kvSubstance::kvsubstance ALIAS kvsubstance)
 set_target_properties(kvsubstance PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR})
-if(WIN32)
-    set_target_properties(kvsubstance PROPERTIES PREFIX "")
-endif()
-target_include_directories(kvsubstance INTERFACE ${PROJECT_SOURCE_DIR})
 target_link_libraries(kvsubstance
     PUBLIC kvsubstance_platform ${KVSUBSTANCE_BASE_LIBRARY} ${KVSUBSTANCE_IMAGE_LIBRARY} Boost::headers
     PRIVATE kvsubstance_settings ${KVSUBSTANCE_LINKER_LIBRARY} ${KVSUBSTANCE_ENGINE_LIBRARY} Boost::thread

@@ -5,3 +5,5 @@ test_packages=(locales)
 clang_packages=(clang-14)
 lint_packages=(clang-format-14 clang-tidy-14)
 benchmark_packages=(libbenchmark-dev)
+windows_packages=(g++-mingw-w64-x86-64-posix libz-mingw-w64-dev wine wine64 dpkg-dev xz-utils)
+header_packages=(libflatbuffers-dev libcli11-dev nlohmann-json3-dev libxxhash-dev) # serve any target

@@ -2,10 +2,15 @@
 
 #include <cstdint>
 #include <cstdio>
-#include <filesystem>
 #include <fstream>
 #include <memory>
 
+#if defined(_WIN32)
+#include <sys/stat.h>
+#include <sys/types.h>
+#else
+#include <filesystem>
+#endif
 #if defined(_MSC_VER)
 #include <share.h>
 #endif
@@ -21,10 +26,16 @@ struct CloseFile {
 };
 using File = std::unique_ptr<std::FILE, CloseFile>;
 
-// Asked before opening: to open a pipe would wait for its other end.
+// Asked before opening: to open a pipe would wait for its other end. On Windows not through the filesystem
+// library: some implementations of it disregard the active code page.
 bool isRegularFile(const kvString::CString& path) {
+#if defined(_WIN32)
+    struct _stat64 status {};
+    return _stat64(path.asChar(), &status) == 0 && (status.st_mode & _S_IFMT) == _S_IFREG;
+#else
     std::error_code error;
     return std::filesystem::is_regular_file(path.asChar(), error);
+#endif
 }
 
 bool seek(std::FILE* file, int origin) {

@@ -1,10 +1,10 @@
 #include "tools/AtomicFile.h"
 
 #include "tools/Failure.h"
+#include "tools/FileNames.h"
 
 #include <cerrno>
 #include <cstdio>
-#include <filesystem>
 #include <memory>
 #include <random>
 #include <system_error>
@@ -39,8 +39,9 @@ bool flushToDisk(std::FILE* file) {
 // The file that a name stands for, once its links are followed.
 fs::path destination(const std::string& path) {
     std::error_code error;
-    const fs::path target = fs::is_symlink(path, error) ? fs::weakly_canonical(path, error) : fs::path(path);
-    return error ? fs::path(path) : target;
+    const fs::path given = pathOf(path);
+    const fs::path target = fs::is_symlink(given, error) ? fs::weakly_canonical(given, error) : given;
+    return error ? given : target;
 }
 
 fs::path folderOf(const fs::path& target) {
@@ -74,7 +75,7 @@ private:
 
 int writeAndFlush(const fs::path& path, std::string_view bytes) {
     errno = 0;
-    std::FILE* const file = std::fopen(path.string().c_str(), "wb");
+    std::FILE* const file = std::fopen(textOf(path).c_str(), "wb");
     if (!file) return errno;
     int error = 0;
     if (std::fwrite(bytes.data(), 1, bytes.size(), file) != bytes.size() || !flushToDisk(file))
@@ -92,7 +93,7 @@ void checkDestination(const std::string& path) {
     if (fs::is_directory(status)) fail(path, "it is a folder; name a file in it");
     if (fs::exists(status) && !fs::is_regular_file(status)) fail(path, "it is no ordinary file");
     if (!fs::is_directory(folderOf(target), error))
-        fail(path, "there is no folder " + folderOf(target).string() + "; create it first");
+        fail(path, "there is no folder " + textOf(folderOf(target)) + "; create it first");
 }
 
 void writeFileAtomically(const std::string& path, std::string_view bytes) {

@@ -2,10 +2,10 @@
 
 #include "material/Content.h"
 #include "tools/Failure.h"
+#include "tools/FileNames.h"
 
 #include <cerrno>
 #include <cstdio>
-#include <filesystem>
 #include <system_error>
 
 namespace tool {
@@ -13,7 +13,7 @@ namespace tool {
 kv::vector<char> readFileContent(const std::string& path) {
     namespace fs = std::filesystem;
     std::error_code error;
-    const fs::file_status status = fs::status(path, error);
+    const fs::file_status status = fs::status(pathOf(path), error);
     if (!fs::exists(status)) throw Failure(path + ": cannot be read: there is no such file");
     if (fs::is_directory(status)) throw Failure(path + ": cannot be read: it is a folder");
     if (!fs::is_regular_file(status)) throw Failure(path + ": cannot be read: it is no ordinary file");

@@ -3,7 +3,6 @@
 #include "tools/Failure.h"
 
 #include <cctype>
-#include <filesystem>
 #include <system_error>
 
 namespace tool {
@@ -25,8 +24,8 @@ std::string lowered(std::string text) {
 
 void makeFolder(const std::string& path) {
     std::error_code error;
-    std::filesystem::create_directories(path, error);
-    if (!std::filesystem::is_directory(path))
+    std::filesystem::create_directories(pathOf(path), error);
+    if (!std::filesystem::is_directory(pathOf(path)))
         throw Failure(path + ": the folder cannot be created" + (error ? ": " + error.message() : ""));
 }
 
@@ -42,7 +41,7 @@ std::string FileNames::choose(const std::string& wanted) {
 }
 
 std::string inFolder(const std::string& folder, const std::string& name) {
-    return (std::filesystem::path(folder) / name).string();
+    return textOf(pathOf(folder) / pathOf(name));
 }
 
 } // namespace tool

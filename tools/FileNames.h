@@ -1,10 +1,25 @@
-// Folders, and names for files in them.
+// Paths, folders, and names for files in them.
 #pragma once
 
+#include <filesystem>
 #include <set>
 #include <string>
 
 namespace tool {
+
+// The tool's own texts are UTF-8 on Windows and bytes as they are elsewhere, file names included. What the
+// filesystem library makes of plain text on Windows depends on the library.
+inline std::filesystem::path pathOf(const std::string& text) {
+    return std::filesystem::u8path(text);
+}
+inline std::string textOf(const std::filesystem::path& path) {
+    return path.u8string();
+}
+
+// The file's name without folders and ending.
+inline std::string stemOf(const std::string& path) {
+    return textOf(pathOf(path).stem());
+}
 
 // With the folders above it. Throws Failure.
 void makeFolder(const std::string& path);

@@ -5,11 +5,11 @@
 #include "tools/Digest.h"
 #include "tools/Failure.h"
 #include "tools/FileContent.h"
+#include "tools/FileNames.h"
 
 #include <nlohmann/json.hpp>
 
 #include <cstring>
-#include <filesystem>
 
 namespace tool {
 namespace {
@@ -73,7 +73,7 @@ Receipt receiptFrom(const ordered_json& json) {
 } // namespace
 
 PackageMark markOf(const PackageFile& package) {
-    return {std::filesystem::path(package.name).filename().string(), digestOf(asText(package.bytes))};
+    return {textOf(pathOf(package.name).filename()), digestOf(asText(package.bytes))};
 }
 
 std::vector<ValueMark> valuesOf(const GraphInstances& graphs) {

@@ -15,6 +15,13 @@
 #include <string>
 #include <vector>
 
+#if defined(_WIN32)
+#include <cstdio>
+#include <fcntl.h>
+#include <io.h>
+#include <windows.h>
+#endif
+
 namespace {
 
 // Says more than the parser would of a command that is missing or misspelled.
@@ -32,6 +39,7 @@ int runCommandLine(int argc, char** argv) {
     int status = tool::Succeeded;
     CLI::App app("Makes material packages, looks into them, and renders them.", "kvsubstance");
     app.require_subcommand(0, 1);
+    app.allow_windows_style_options(false); // a slash begins a path there too
     app.footer("Exit status: 0 done, 1 failed, 2 the command line makes no sense.\n"
                "\"kvsubstance COMMAND --help\" shows a command's options and an example.");
     tool::addCompile(app, status);
@@ -61,13 +69,21 @@ int report(const std::string& message, int status) {
     return status;
 }
 
-} // namespace
-
-int main(int argc, char** argv) {
-#if !defined(_WIN32)
+// What is printed is UTF-8, and the same bytes on all systems.
+void prepareOutput() {
+#if defined(_WIN32)
+    SetConsoleOutputCP(CP_UTF8);
+    _setmode(_fileno(stdout), _O_BINARY);
+#else
     std::signal(SIGPIPE,
                 SIG_IGN); // a reader that goes away is an error of writing, not the end of the process
 #endif
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    prepareOutput();
     try {
         const int status = runCommandLine(argc, argv);
         std::cout.flush();

@@ -7,8 +7,6 @@
 #include <utility>
 
 #if defined(_WIN32)
-#define NOMINMAX
-#define WIN32_LEAN_AND_MEAN
 #include <climits>
 #include <windows.h>
 #endif

@@ -44,9 +44,7 @@ private:
     void unlockAndMaybeEnd(std::unique_lock<std::mutex> lock);
 
     const std::uint64_t budget_ = embedded::memoryBudget();
-    // A quarter of the budget may be memory that waits for the next image.
-    const std::shared_ptr<embedded::ImageMemory> memory_ =
-        std::make_shared<embedded::ImageMemory>(static_cast<std::size_t>(budget_ / 4));
+    const std::shared_ptr<embedded::ImageMemory> memory_ = std::make_shared<embedded::ImageMemory>(budget_);
     const std::shared_ptr<embedded::ImageCache> cache_ = std::make_shared<embedded::ImageCache>();
     mutable std::mutex mutex_;
     bool released_ = false;

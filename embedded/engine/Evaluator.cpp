@@ -18,7 +18,8 @@ public:
         , plan_(plan)
         , workshop_(workshop)
         , receiver_(receiver)
-        , schedule_(makeSchedule(plan, [this](const ImageKey& key) { return findImage(key); })) {
+        , begin_(workshop.cache ? workshop.cache->now() : 0)
+        , schedule_(makeSchedule(plan, history())) {
         for (const Showing& showing : plan.showings) ++levels_[showing.output];
         unfinished_ = levels_;
     }
@@ -28,6 +29,7 @@ public:
         statistics_.runs = 1;
         for (const Group& group : schedule_.groups) runOne(group);
         schedule_.images.clear();
+        if (workshop_.cache) remember();
         makeRoom(0);
         statistics_.bytesHeld = workshop_.memory->bytesUsed();
         statistics_.mostBytesHeld = workshop_.memory->mostBytesUsed();
@@ -40,8 +42,21 @@ private:
         unsigned char* bytes;
     };
 
+    History history() {
+        if (!workshop_.cache) return {[](const ImageKey&) { return nullptr; }, {}};
+        return {[this](const ImageKey& key) { return findImage(key); },
+                workshop_.cache->lastRun(workshop_.owner)};
+    }
+
+    // While a value is dragged along, its earlier images would only fill fresh memory.
+    void remember() {
+        std::set<ImageKey> all;
+        for (const PlanNode& node : plan_.nodes) all.insert(node.key);
+        workshop_.cache->setLastRun(workshop_.owner, std::move(all));
+        workshop_.cache->giveUpUnused(workshop_.owner, begin_, workshop_.budget / 4);
+    }
+
     std::shared_ptr<const Image> findImage(const ImageKey& key) {
-        if (!workshop_.cache) return nullptr;
         auto image = workshop_.cache->find(key);
         if (image) ++statistics_.imagesReused;
         return image;
@@ -106,6 +121,7 @@ private:
     const Plan& plan_;
     const Workshop& workshop_;
     TextureReceiver& receiver_;
+    const std::uint64_t begin_; // in the cache's time
     Statistics statistics_;
     Schedule schedule_;
     std::map<std::size_t, int> levels_; // by output

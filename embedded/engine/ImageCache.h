@@ -10,6 +10,7 @@
 #include <map>
 #include <memory>
 #include <mutex>
+#include <set>
 
 namespace embedded {
 
@@ -24,6 +25,14 @@ public:
     void giveUp(std::uint64_t bytes);
     void giveUpAllOf(const void* owner);
 
+    // Of the owner's images that were not used since that time, only so many bytes are kept.
+    std::uint64_t now() const;
+    void giveUpUnused(const void* owner, std::uint64_t since, std::uint64_t keptBytes);
+
+    // What belonged to the last run of the owner.
+    std::set<ImageKey> lastRun(const void* owner) const;
+    void setLastRun(const void* owner, std::set<ImageKey> computed);
+
     std::uint64_t bytes() const;
 
 private:
@@ -31,6 +40,7 @@ private:
         ImageKey key;
         std::shared_ptr<const Image> image;
         const void* owner;
+        std::uint64_t lastUse;
     };
     using Entries = std::list<Entry>;
 
@@ -39,7 +49,9 @@ private:
     mutable std::mutex mutex_;
     Entries entries_; // the one used last is at the front
     std::map<ImageKey, Entries::iterator> places_;
+    std::map<const void*, std::set<ImageKey>> lastRuns_; // by owner
     std::uint64_t bytes_ = 0;
+    std::uint64_t time_ = 0; // counts uses
 };
 
 } // namespace embedded

@@ -8,6 +8,8 @@ namespace {
 // Above this cost (operations for a pixel) a node is kept, so that edits behind it need not run it again.
 constexpr double costlyGenerator = 16;
 constexpr double costlyFilter = 200;
+// Above this cost, with all that streams into it, a node that edits leave alone is kept.
+constexpr double worthKeeping = 30;
 // Up to here a node that several groups read is rather computed in each.
 constexpr double cheapNode = 4;
 
@@ -23,15 +25,16 @@ bool isGenerator(const PlanNode& node) {
 
 class Scheduling {
 public:
-    Scheduling(const Plan& plan, const ImageFinder& find)
+    Scheduling(const Plan& plan, const History& history)
         : plan_(plan)
+        , history_(history)
         , count_(plan.nodes.size())
         , demanded_(count_)
         , kept_(count_)
         , shown_(count_) {
         schedule_.images.resize(count_);
         for (const Showing& showing : plan.showings) demanded_[showing.node] = shown_[showing.node] = true;
-        findImages(find);
+        findImages();
         chooseKept();
     }
 
@@ -51,15 +54,27 @@ private:
     bool streams(std::size_t node) const { return !kept_[node] && !isThere(node); }
 
     // What is there needs no sources.
-    void findImages(const ImageFinder& find) {
+    void findImages() {
         for (std::size_t i = count_; i-- > 0;) {
             const PlanNode& node = plan_.nodes[i];
             if (!demanded_[i]) continue;
-            schedule_.images[i] = node.isPicture() ? node.picture : find(node.key);
+            schedule_.images[i] = node.isPicture() ? node.picture : history_.find(node.key);
             if (isThere(i)) continue;
             for (const PlanSource& source : node.sources)
                 if (source.connected()) demanded_[source.node] = true;
         }
+    }
+
+    bool wasComputed(const PlanNode& node) const { return history_.computedBefore.count(node.key) > 0; }
+
+    // Of the node and of what may stream into it.
+    double chainCost(std::size_t index) const {
+        const PlanNode& node = plan_.nodes[index];
+        double cost = node.costPerPixel();
+        for (const PlanSource& source : node.sources)
+            if (cost <= worthKeeping && source.connected() && source.border == 0 && !isThere(source.node))
+                cost += chainCost(source.node);
+        return cost;
     }
 
     // From the readers to what they read: the roots that a streaming node would be computed for are known
@@ -68,6 +83,7 @@ private:
         constexpr std::size_t none = PlanSource::nothing;
         std::vector<std::size_t> onlyRoot(count_, none);
         std::vector<bool> severalRoots(count_);
+        std::vector<bool> changedReader(count_);
         const auto addRoot = [&](std::size_t node, std::size_t root) {
             if (onlyRoot[node] != none && onlyRoot[node] != root) severalRoots[node] = true;
             onlyRoot[node] = root;
@@ -77,11 +93,13 @@ private:
             const PlanNode& node = plan_.nodes[i];
             if (shown_[i]) addRoot(i, i);
             const bool isCostly = node.costPerPixel() > (isGenerator(node) ? costlyGenerator : costlyFilter);
+            const bool isUnedited = changedReader[i] && wasComputed(node) && chainCost(i) > worthKeeping;
             const bool isShared = severalRoots[i] && (node.costPerPixel() > cheapNode || !isGenerator(node));
-            kept_[i] = kept_[i] || !node.hasRows() || isCostly || isShared;
+            kept_[i] = kept_[i] || !node.hasRows() || isCostly || isShared || isUnedited;
             for (const PlanSource& source : node.sources) {
                 if (!source.connected()) continue;
                 if (source.border != 0) kept_[source.node] = true;
+                if (!wasComputed(node)) changedReader[source.node] = true;
                 if (kept_[i] || shown_[i]) addRoot(source.node, i);
                 if (kept_[i] || shown_[i]) continue;
                 addRoot(source.node, onlyRoot[i]);
@@ -154,6 +172,7 @@ private:
     }
 
     const Plan& plan_;
+    const History& history_;
     const std::size_t count_;
     std::vector<bool> demanded_;
     std::vector<bool> kept_;
@@ -163,8 +182,8 @@ private:
 
 } // namespace
 
-Schedule makeSchedule(const Plan& plan, const ImageFinder& find) {
-    return Scheduling(plan, find).run();
+Schedule makeSchedule(const Plan& plan, const History& history) {
+    return Scheduling(plan, history).run();
 }
 
 } // namespace embedded

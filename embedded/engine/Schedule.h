@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <set>
 #include <vector>
 
 namespace embedded {
@@ -28,9 +29,15 @@ struct Schedule {
     std::uint64_t peakBytes = 0; // estimate of the memory that images take at the same time
 };
 
-// Finds an image that is there already, or null.
-using ImageFinder = std::function<std::shared_ptr<const Image>(const ImageKey& key)>;
+// What earlier runs tell.
+struct History {
+    // An image that is there already, or null.
+    std::function<std::shared_ptr<const Image>(const ImageKey& key)> find;
+    // What belonged to the run before this one. Where a node is among it and a reader is not, somebody is
+    // editing: the node becomes an image, so that the next edits begin behind it.
+    std::set<ImageKey> computedBefore;
+};
 
-Schedule makeSchedule(const Plan& plan, const ImageFinder& find);
+Schedule makeSchedule(const Plan& plan, const History& history);
 
 } // namespace embedded

@@ -32,7 +32,7 @@ void ImageMemory::giveToSystem(void* block, std::size_t bytes) noexcept {
 }
 
 ImageMemory::~ImageMemory() {
-    giveAwayUntil(0);
+    keepAtMost(0);
 }
 
 void* ImageMemory::take(std::size_t bytes) {
@@ -45,10 +45,12 @@ void* ImageMemory::take(std::size_t bytes) {
         blocks_.erase(std::next(found).base());
         kept_ -= bytes;
     } else {
+        const std::uint64_t free = room();
+        keepAtMost(free > bytes ? free - bytes : 0);
         try {
             block = takeFromSystem(bytes);
         } catch (const std::bad_alloc&) {
-            giveAwayUntil(0);
+            keepAtMost(0);
             block = takeFromSystem(bytes);
         }
     }
@@ -61,19 +63,17 @@ void ImageMemory::giveBack(void* block, std::size_t bytes) noexcept {
     const std::lock_guard<std::mutex> lock(mutex_);
     used_ -= bytes;
     try {
-        if (bytes <= mostKept_) {
-            blocks_.push_back({block, bytes});
-            kept_ += bytes;
-            return giveAwayUntil(mostKept_);
-        }
-    } catch (const std::bad_alloc&) { // no room in the list
+        blocks_.push_back({block, bytes});
+        kept_ += bytes;
+    } catch (const std::bad_alloc&) { // no place in the list
+        giveToSystem(block, bytes);
     }
-    giveToSystem(block, bytes);
+    keepAtMost(room());
 }
 
-void ImageMemory::giveAwayUntil(std::size_t kept) noexcept {
+void ImageMemory::keepAtMost(std::uint64_t bytes) noexcept {
     auto block = blocks_.begin();
-    for (; block != blocks_.end() && kept_ > kept; ++block) {
+    for (; block != blocks_.end() && kept_ > bytes; ++block) {
         giveToSystem(block->memory, block->bytes);
         kept_ -= block->bytes;
     }
@@ -88,11 +88,6 @@ std::uint64_t ImageMemory::bytesUsed() const {
 std::uint64_t ImageMemory::mostBytesUsed() const {
     const std::lock_guard<std::mutex> lock(mutex_);
     return mostUsed_;
-}
-
-std::uint64_t ImageMemory::bytesKept() const {
-    const std::lock_guard<std::mutex> lock(mutex_);
-    return kept_;
 }
 
 } // namespace embedded

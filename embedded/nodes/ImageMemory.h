@@ -12,9 +12,9 @@ namespace embedded {
 // Safe from any thread. Images hold it by std::shared_ptr, so it outlives them.
 class ImageMemory {
 public:
-    // Keeps at most this many bytes that no image uses.
-    explicit ImageMemory(std::size_t mostKept)
-        : mostKept_(mostKept) {}
+    // What no image uses is kept for the next one, as long as everything together stays within the budget.
+    explicit ImageMemory(std::uint64_t budget)
+        : budget_(budget) {}
     ~ImageMemory();
     ImageMemory(const ImageMemory&) = delete;
     ImageMemory& operator=(const ImageMemory&) = delete;
@@ -23,10 +23,9 @@ public:
     void* take(std::size_t bytes);
     void giveBack(void* block, std::size_t bytes) noexcept;
 
-    // In use by images, and kept for the next ones.
+    // By images, not counting what is kept for the next ones.
     std::uint64_t bytesUsed() const;
     std::uint64_t mostBytesUsed() const; // since it was made
-    std::uint64_t bytesKept() const;
 
     static void* takeFromSystem(std::size_t bytes);
     static void giveToSystem(void* block, std::size_t bytes) noexcept;
@@ -37,12 +36,13 @@ private:
         std::size_t bytes;
     };
 
-    void giveAwayUntil(std::size_t kept) noexcept; // with the lock held
+    void keepAtMost(std::uint64_t bytes) noexcept; // with the lock held
+    std::uint64_t room() const { return budget_ > used_ ? budget_ - used_ : 0; }
 
     mutable std::mutex mutex_;
     std::vector<Block> blocks_; // kept, the oldest first
-    std::size_t mostKept_;
-    std::size_t kept_ = 0;
+    const std::uint64_t budget_;
+    std::uint64_t kept_ = 0;
     std::uint64_t used_ = 0;
     std::uint64_t mostUsed_ = 0;
 };

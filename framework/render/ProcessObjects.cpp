@@ -1,5 +1,7 @@
 #include "framework/render/ProcessObjects.h"
 
+#include "support/ProcessEnd.h"
+
 #include <atomic>
 
 namespace SubstanceAir {
@@ -12,7 +14,7 @@ std::atomic<bool> isClosed{false};
 struct Owner : private boost::noncopyable {
     ~Owner() {
         isClosed = true;
-        if (!objects->worker.joinable()) delete objects;
+        if (!objects->worker.joinable() && !support::isProcessEnding()) delete objects;
     }
     ProcessObjects* const objects = new ProcessObjects;
 };
@@ -23,7 +25,7 @@ struct Owner : private boost::noncopyable {
 } // namespace
 
 ProcessObjects* processObjects() {
-    if (isClosed) return nullptr;
+    if (isClosed || support::isProcessEnding()) return nullptr;
     static const Owner owner;
     return owner.objects;
 }

@@ -11,8 +11,9 @@
 //
 // At process exit everything is closed for good: processObjects gives null from then on, so that whatever the
 // host destroys later locks nothing and makes nothing. If the render thread was not stopped before, it may be
-// in the middle of anything, or (on Windows) have been ended holding a lock: then nothing is joined, locked
-// or destroyed, and the system takes it all back.
+// in the middle of anything; and where the system has ended the threads already (support/ProcessEnd.h), they
+// and the engine's may have held any lock. Then nothing is joined, locked or destroyed, and the system takes
+// it all back.
 #pragma once
 
 #include "framework/render/Renderer.h"

@@ -1,5 +1,7 @@
 #include "framework/render/RenderResult.h"
 
+#include "support/ProcessEnd.h"
+
 #include <utility>
 
 namespace SubstanceAir {
@@ -11,7 +13,7 @@ RenderResult::RenderResult(const SubstanceTexture& finished, SubstanceContext* a
     , keeper(std::move(contextKeeper)) {}
 
 RenderResult::~RenderResult() {
-    if (texture.buffer) substanceContextMemoryFree(context, texture.buffer);
+    if (texture.buffer && !support::isProcessEnding()) substanceContextMemoryFree(context, texture.buffer);
 }
 
 } // namespace SubstanceAir

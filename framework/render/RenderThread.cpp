@@ -1,6 +1,7 @@
 #include "framework/render/RenderThread.h"
 
 #include "framework/render/ProcessObjects.h"
+#include "support/ProcessEnd.h"
 
 namespace SubstanceAir {
 
@@ -57,6 +58,7 @@ void startRenderThread() {
     ProcessObjects* const objects = processObjects();
     if (!objects) return;
     stopRenderThread();
+    support::stayLoaded(); // the engine's threads, which a render starts, live on after it
     const Lock lock(objects->rendererMutex);
     objects->running = true;
     objects->worker = boost::thread(&renderThread);

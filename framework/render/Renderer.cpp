@@ -3,6 +3,7 @@
 #include "framework/description/PackageDesc.h"
 #include "framework/render/GraphInstance.h"
 #include "framework/render/OutputCompletion.h"
+#include "support/ProcessEnd.h"
 
 #include <boost/thread/lock_guard.hpp>
 
@@ -78,7 +79,7 @@ bool RendererImpl::ensureContext() {
     SubstanceContext* made = nullptr;
     if (substanceContextInit(&made, &device) != 0) return false;
     const auto release = [outlived = linkerContext](SubstanceContext* context) {
-        substanceContextRelease(context);
+        if (!support::isProcessEnding()) substanceContextRelease(context);
     };
     std::shared_ptr<SubstanceContext> owner(made, release);
     const auto callback = reinterpret_cast<SubstanceCallback>(&RendererImpl::onOutputCompleted);

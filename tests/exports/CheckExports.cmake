@@ -1,28 +1,26 @@
-# Fails when the shared library LIBRARY exports a symbol that is not of the public interface, or lacks one of it.
-execute_process(COMMAND ${NM} --dynamic --defined-only --demangle ${LIBRARY} OUTPUT_VARIABLE listing
+# Fails when what LIBRARY exports, as LISTER and DEMANGLER print it, is not what INTERFACE lists.
+execute_process(COMMAND ${LISTER} ${LIBRARY} COMMAND ${DEMANGLER} OUTPUT_VARIABLE listing
                 COMMAND_ERROR_IS_FATAL ANY)
-string(REGEX REPLACE "\n$" "" listing "${listing}")
+string(REGEX REPLACE "\t\\[ *([0-9]+)\\] ([^+])" "\\1 T \\2" listing "${listing}") # a DLL's table of names
+string(REGEX REPLACE "[][]" "" listing "${listing}") # would end CMake's lists
 string(REPLACE "\n" ";" lines "${listing}")
 
-set(classes "(Substance|SubstanceEntity|SubstanceInput|SubstanceOutput|SubstanceReader)")
-set(functions "(createSubstance|readSubstanceContent|readSubstanceContentAsChar|getTextureFromSubstance|syncValueFromSubstanceInputToInputInstanceBase)")
-set(strangers)
+set(exported)
 foreach(line IN LISTS lines)
-    string(REGEX REPLACE "^[0-9a-f]+ [A-Za-z] " "" symbol "${line}")
-    if(NOT symbol MATCHES "^((vtable|typeinfo|typeinfo name) for )?kvSubstance::(${classes}$|${classes}::|${functions}\\()")
-        string(APPEND strangers "\n  ${symbol}")
+    if(line MATCHES "^[0-9a-f]+ [A-Za-z] (.*)")
+        list(APPEND exported "${CMAKE_MATCH_1}")
     endif()
 endforeach()
-if(strangers)
-    message(FATAL_ERROR "Exported, but not of the interface:${strangers}")
-endif()
+list(REMOVE_DUPLICATES exported) # variants of constructors and destructors
+list(FILTER exported EXCLUDE REGEX "^typeinfo name for ") # data that only ELF shares
+file(STRINGS ${INTERFACE} expected REGEX "^[^#]")
 
-foreach(name "Substance::applyStateString(" "SubstanceInput::setValueF(" "SubstanceOutput::SubstanceOutput("
-             "SubstanceReader::readFromXMLData(" "SubstanceEntity::onModified(" "createSubstance(std"
-             "createSubstance(SubstanceAir" "readSubstanceContent(" "readSubstanceContentAsChar("
-             "getTextureFromSubstance(" "syncValueFromSubstanceInputToInputInstanceBase(")
-    string(FIND "${listing}" "kvSubstance::${name}" place)
-    if(place EQUAL -1)
-        message(FATAL_ERROR "Not exported: kvSubstance::${name}")
-    endif()
-endforeach()
+set(strangers ${exported})
+list(REMOVE_ITEM strangers ${expected})
+set(missing ${expected})
+list(REMOVE_ITEM missing ${exported})
+if(strangers OR missing)
+    list(JOIN strangers "\n  " strangers)
+    list(JOIN missing "\n  " missing)
+    message(FATAL_ERROR "Exported, but not of the interface:\n  ${strangers}\nOf the interface, but not exported:\n  ${missing}")
+endif()

@@ -16,6 +16,12 @@
 
 namespace fs = std::filesystem;
 
+#if defined(_WIN32)
+inline const char* const changeFolder = "cd /d \""; // to another drive, too
+#else
+inline const char* const changeFolder = "cd \"";
+#endif
+
 // A bottom with an input of each widget, and a channel that is no colour.
 inline const char* const bottomSource = R"(<package>
   <graph url="pkg://bottom" label="Bottom">
@@ -104,7 +110,7 @@ protected:
 
     // In the test's folder.
     Outcome run(const std::string& arguments) const {
-        const std::string command = "cd \"" + folder.string() + "\" && \"" KVSUBSTANCE_TOOL "\" " +
+        const std::string command = changeFolder + folder.string() + "\" && \"" KVSUBSTANCE_TOOL "\" " +
                                     arguments + " >stdout.txt 2>stderr.txt";
         int status = std::system(command.c_str());
 #if !defined(_WIN32)

@@ -173,6 +173,15 @@ TEST_F(Tool, DescribesTheHostsModel) {
     EXPECT_NE(bad.error.find("input 1 needs the attribute \"type\""), std::string::npos) << bad.error;
 }
 
+TEST_F(Tool, InternationalFileNames) {
+    const std::string name = "gr\xC3\xBCn \xE6\x9C\xA8"; // in no single code page but UTF-8
+    fs::copy_file(folder / "bottom.kvpkg", folder / fs::u8path(name + ".kvpkg"));
+    const Outcome outcome = run("render \"" + name + ".kvpkg\" -o \"" + name + ".png\"");
+    EXPECT_EQ(outcome.status, 0) << outcome.error;
+    EXPECT_TRUE(fs::exists(folder / fs::u8path(name + ".png")));
+    EXPECT_NE(run("info \"" + name + "\"").error.find(name), std::string::npos); // no such file
+}
+
 #if !defined(_WIN32)
 TEST_F(Tool, OutputThatCannotBeWrittenIsAFailure) {
     if (!fs::exists("/dev/full")) GTEST_SKIP() << "there is no device that is always full";

@@ -11,7 +11,6 @@
 #include "tools/commands/Commands.h"
 
 #include <algorithm>
-#include <filesystem>
 #include <memory>
 #include <optional>
 #include <set>
@@ -40,10 +39,6 @@ bool hasFixedSize(const PackageFile& package) {
     const auto& inputs = package.graph().inputs;
     return std::none_of(inputs.begin(), inputs.end(),
                         [](const auto& input) { return input->identifier == "$resolution"; });
-}
-
-std::string stemOf(const std::string& path) {
-    return std::filesystem::path(path).stem().string();
 }
 
 // The pictures of one package: of its first graph, which is the one that materials are made of.

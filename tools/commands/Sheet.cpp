@@ -2,11 +2,11 @@
 
 #include "tools/AtomicFile.h"
 #include "tools/ContactSheet.h"
+#include "tools/FileNames.h"
 #include "tools/PngFile.h"
 #include "tools/Receipt.h"
 #include "tools/commands/Commands.h"
 
-#include <filesystem>
 #include <memory>
 
 namespace tool {
@@ -25,7 +25,7 @@ void run(const Options& options) {
     std::vector<SheetMark> marks;
     for (const std::string& path : options.pictures) {
         const Texture texture = readPng(path).texture;
-        const std::string label = std::filesystem::path(path).stem().string();
+        const std::string label = stemOf(path);
         entries.push_back({label, makeThumbnail(toPicture(texture), options.side)});
         marks.push_back({label, digestOf(texture)});
     }

@@ -110,11 +110,11 @@ TEST(Evaluator, streamsWhatIsReadOnceAndKeepsTheRest) {
     const auto colours = builder.node("gradientMap", {levels});
     const auto lit = builder.node("blend", {colours, normal});
     for (const auto node : {blend, lit, unused, blend}) builder.program.outputs.push_back({0, node, 0, 0});
-    const auto schedule = [&](const std::vector<std::size_t>& outputs, const ImageFinder& find) {
+    const auto schedule = [&](const std::vector<std::size_t>& outputs, const History& history) {
         const Plan plan = makePlan(builder.program, outputs, builder.inputValues());
         std::ostringstream text;
         const auto name = [&](std::size_t node) { return plan.nodes[node].kind->name; };
-        for (const Group& group : makeSchedule(plan, find).groups) {
+        for (const Group& group : makeSchedule(plan, history).groups) {
             text << ' ' << name(group.root) << (group.keepsImage ? "+" : "");
             for (const std::size_t node : group.streamed) text << '(' << name(node) << ')';
             for (const Showing& showing : group.showings) text << '[' << showing.output << ']';
@@ -122,11 +122,17 @@ TEST(Evaluator, streamsWhatIsReadOnceAndKeepsTheRest) {
         }
         return text.str();
     };
-    const auto nothing = [](const ImageKey&) { return nullptr; };
+    const History nothing = {[](const ImageKey&) { return nullptr; }, {}};
     EXPECT_EQ(schedule({0, 3}, nothing), " fbm+ blend(levels)[0][3]>fbm");
     EXPECT_EQ(schedule({2}, nothing), " fbm+ blur+[2]>blur>fbm");
     EXPECT_EQ(schedule({1}, nothing), " fbm+ levels+ blend+>fbm blend(normal)(gradientMap)[1]>blend>levels");
-    const auto everything = [](const ImageKey&) { return std::make_shared<Image>(1, 1, 1); };
+    History edited = nothing; // only the last node is another one than in the run before
+    Plan before = makePlan(builder.program, {1}, builder.inputValues());
+    before.nodes.pop_back();
+    for (const PlanNode& node : before.nodes) edited.computedBefore.insert(node.key);
+    EXPECT_EQ(schedule({1}, edited),
+              " fbm+ levels+ blend+>fbm gradientMap+>levels blend(normal)[1]>gradientMap>blend");
+    const History everything = {[](const ImageKey&) { return std::make_shared<Image>(1, 1, 1); }, {}};
     EXPECT_EQ(schedule({1}, everything), " blend[1]>blend");
 }
 
@@ -166,7 +172,8 @@ TEST(Evaluator, refusesRunsThatDoNotFitIntoMemory) {
     ProgramBuilder builder(8, 8);
     builder.program.outputs = {{1, builder.node("fbm"), 0, 0}};
     const std::uint64_t peak =
-        makeSchedule(makePlan(builder.program, {0}, {}), [](const ImageKey&) { return nullptr; }).peakBytes;
+        makeSchedule(makePlan(builder.program, {0}, {}), {[](const ImageKey&) { return nullptr; }, {}})
+            .peakBytes;
     EXPECT_GE(peak, 256u * 256 * sizeof(float));
     Workshop workshop = plainWorkshop();
     RenderedTextures rendered;

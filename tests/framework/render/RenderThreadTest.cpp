@@ -86,18 +86,26 @@ TEST_F(RendererTest, ARequestBeforeTheStartIsServed) {
 
 #ifdef GTEST_HAS_DEATH_TEST // these need a process in which nothing was rendered before
 
-// A host's global objects: made before the library's first use, and so destroyed after it.
-std::unique_ptr<TestPackage> earlyPackage;
-std::unique_ptr<TestGraph> earlyGraph;
-std::unique_ptr<RenderResult> earlyResult;
+// A host's global objects: made before the library's, and so destroyed after them.
+struct Early {
+    std::unique_ptr<TestPackage> package;
+    std::unique_ptr<TestGraph> graph;
+    std::unique_ptr<RenderResult> result;
+};
+#if defined(_MSC_VER)
+#pragma init_seg(lib)
+Early early;
+#else
+__attribute__((init_priority(102))) Early early;
+#endif
 
 [[noreturn]] void renderAndExit() {
     recording::reset();
     recording::echoToStandardError();
-    earlyPackage = std::make_unique<TestPackage>("early");
-    earlyGraph = std::make_unique<TestGraph>(*earlyPackage);
-    render({earlyGraph.get()});
-    earlyResult = earlyGraph->output().grabResult(); // the other one stays with its output
+    early.package = std::make_unique<TestPackage>("early");
+    early.graph = std::make_unique<TestGraph>(*early.package);
+    render({early.graph.get()});
+    early.result = early.graph->output().grabResult(); // the other one stays with its output
     static const TestPackage latePackage("late");
     static TestGraph lateGraph(latePackage);
     recording::fail("substanceHandleStart");
