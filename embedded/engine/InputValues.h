@@ -21,7 +21,4 @@ InputValues defaultValues(const Program& program);
 // The value that a binding gives a parameter of the type, not yet brought into any range. Not for images.
 Value resolveBinding(const Binding& binding, ValueType type, const InputValues& inputs);
 
-// Each component within the parameter's range; NaN becomes its minimum.
-Value withinRange(Value value, const ParameterInfo& parameter);
-
 } // namespace embedded

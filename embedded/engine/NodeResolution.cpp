@@ -1,5 +1,7 @@
 #include "embedded/engine/NodeResolution.h"
 
+#include "embedded/nodes/ParameterRange.h"
+
 #include <algorithm>
 #include <string_view>
 

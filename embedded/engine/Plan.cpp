@@ -4,26 +4,14 @@
 #include "embedded/engine/NodeResolution.h"
 #include "embedded/engine/TextureEncoding.h"
 #include "embedded/program/PixelFormat.h"
+#include "embedded/program/ProgramFacts.h"
 
 #include <algorithm>
-#include <cstring>
 #include <map>
 #include <optional>
 
 namespace embedded {
 namespace {
-
-std::vector<bool> neededNodes(const Program& program, const std::vector<std::size_t>& outputs) {
-    std::vector<bool> needed(program.nodes.size());
-    for (const std::size_t output : outputs)
-        needed[static_cast<std::size_t>(program.outputs[output].node)] = true;
-    for (std::size_t i = program.nodes.size(); i-- > 0;) {
-        if (!needed[i]) continue;
-        for (const std::int32_t source : program.nodes[i].sources)
-            if (source != ProgramNode::unconnected) needed[static_cast<std::size_t>(source)] = true;
-    }
-    return needed;
-}
 
 class KeyBytes {
 public:
@@ -48,7 +36,9 @@ public:
         , planned_(program.nodes.size(), PlanSource::nothing) {}
 
     Plan build(const std::vector<std::size_t>& outputs) && {
-        const std::vector<bool> needed = neededNodes(program_, outputs);
+        std::vector<std::int32_t> shown;
+        for (const std::size_t output : outputs) shown.push_back(program_.outputs[output].node);
+        const std::vector<bool> needed = neededNodes(program_, shown);
         for (std::size_t i = 0; i < program_.nodes.size(); ++i)
             if (needed[i]) planned_[i] = addNode(program_.nodes[i]);
         for (const std::size_t output : outputs) addShowings(output);

@@ -1,6 +1,7 @@
 #include "embedded/program/Cost.h"
 
 #include "embedded/nodes/NodeKind.h"
+#include "embedded/program/PixelFormat.h"
 #include "embedded/program/ProgramFacts.h"
 #include "embedded/program/Verifier.h"
 
@@ -10,8 +11,16 @@
 namespace embedded {
 namespace {
 
+struct NodeShape {
+    std::uint64_t width = 1;
+    std::uint64_t height = 1;
+    int channels = 1;
+
+    std::uint64_t pixels() const { return width * height; }
+};
+
 // No fewer than the result has when the program runs.
-int mostChannels(const ProgramNode& node, const std::vector<int>& channels) {
+int mostChannels(const ProgramNode& node, const std::vector<NodeShape>& shapes) {
     constexpr int gray = 1;
     constexpr int colour = 4;
     const NodeKind& kind = *findNodeKind(node.kind);
@@ -31,36 +40,90 @@ int mostChannels(const ProgramNode& node, const std::vector<int>& channels) {
     int most = gray;
     for (std::size_t i = 0; i < node.sources.size(); ++i)
         if (kind.ports[i].channels == PortChannels::Any && node.sources[i] != ProgramNode::unconnected)
-            most = std::max(most, channels[static_cast<std::size_t>(node.sources[i])]);
+            most = std::max(most, shapes[static_cast<std::size_t>(node.sources[i])].channels);
     return most;
 }
 
-} // namespace
+class Costing {
+public:
+    Costing(const Program& program, int log2Width, int log2Height)
+        : program_(program)
+        , log2Width_(log2Width)
+        , log2Height_(log2Height) {}
 
-ProgramCost costOf(const Program& program, const std::vector<std::size_t>& outputs, int log2Width,
-                   int log2Height) {
-    std::vector<std::int32_t> results;
-    for (const std::size_t output : outputs) results.push_back(program.outputs[output].node);
-    const std::vector<bool> isNeeded = neededNodes(program, results);
-    std::vector<int> channels;
-    ProgramCost cost;
-    for (std::size_t i = 0; i < program.nodes.size(); ++i) {
-        const ProgramNode& node = program.nodes[i];
-        channels.push_back(mostChannels(node, channels));
-        if (!isNeeded[i]) continue;
+    ProgramCost run(const std::vector<std::size_t>& outputs) && {
+        std::vector<std::int32_t> results;
+        for (const std::size_t output : outputs) results.push_back(program_.outputs[output].node);
+        const std::vector<bool> isNeeded = neededNodes(program_, results);
+        for (std::size_t i = 0; i < program_.nodes.size(); ++i) {
+            addShape(program_.nodes[i]);
+            if (isNeeded[i]) addNode(program_.nodes[i]);
+        }
+        for (const std::size_t output : outputs) addOutput(program_.outputs[output]);
+        return cost_;
+    }
+
+private:
+    void addShape(const ProgramNode& node) {
         const bool isDriven = node.resolution.input != Binding::constantOnly;
         const auto& constant = node.resolution.constant.integers;
         const auto side = [](std::int32_t log2) {
             return std::uint64_t{1} << std::clamp<std::int32_t>(log2, 0, maxResolution);
         };
-        const std::uint64_t pixels =
-            side(isDriven ? log2Width : constant[0]) * side(isDriven ? log2Height : constant[1]);
-        ++cost.nodes;
-        cost.operations += findNodeKind(node.kind)->costPerPixel * static_cast<double>(pixels);
-        cost.bytes += pixels * static_cast<std::uint64_t>(channels.back()) * sizeof(float);
-        cost.pixels = std::max(cost.pixels, pixels);
+        shapes_.push_back({side(isDriven ? log2Width_ : constant[0]),
+                           side(isDriven ? log2Height_ : constant[1]), mostChannels(node, shapes_)});
     }
-    return cost;
+
+    void addNode(const ProgramNode& node) {
+        const NodeShape& shape = shapes_.back();
+        ++cost_.nodes;
+        addPixels(findNodeKind(node.kind)->costPerPixel, shape.pixels());
+        cost_.bytes += shape.pixels() * static_cast<std::uint64_t>(shape.channels) * sizeof(float);
+        cost_.pixels = std::max(cost_.pixels, shape.pixels());
+        const NodeKind& kind = *findNodeKind(node.kind);
+        for (std::size_t i = 0; i < node.sources.size(); ++i) {
+            if (node.sources[i] == ProgramNode::unconnected) continue;
+            const NodeShape& source = shapes_[static_cast<std::size_t>(node.sources[i])];
+            const bool readsGray = kind.ports[i].channels == PortChannels::Gray || shape.channels == 1;
+            if (readsGray && source.channels > 1) addConversion(source.pixels());
+            if (source.width != shape.width || source.height != shape.height) addConversion(shape.pixels());
+        }
+    }
+
+    void addOutput(const ProgramOutput& output) {
+        NodeShape level = shapes_[static_cast<std::size_t>(output.node)];
+        const PixelFormat format = findPixelFormat(output.format).value_or(PixelFormat{});
+        if (format.channels == 1 && level.channels > 1) addConversion(level.pixels());
+        for (std::uint32_t i = 1; i < output.mipmaps && level.pixels() > 1; ++i) {
+            level.width = std::max<std::uint64_t>(1, level.width / 2);
+            level.height = std::max<std::uint64_t>(1, level.height / 2);
+            addConversion(level.pixels());
+        }
+    }
+
+    void addConversion(std::uint64_t pixels) {
+        constexpr double costPerPixel = 20;
+        ++cost_.conversions;
+        addPixels(costPerPixel, pixels);
+    }
+
+    void addPixels(double costPerPixel, std::uint64_t pixels) {
+        cost_.operations += costPerPixel * static_cast<double>(pixels);
+        cost_.computedPixels += pixels;
+    }
+
+    const Program& program_;
+    const int log2Width_;
+    const int log2Height_;
+    std::vector<NodeShape> shapes_; // by node
+    ProgramCost cost_;
+};
+
+} // namespace
+
+ProgramCost costOf(const Program& program, const std::vector<std::size_t>& outputs, int log2Width,
+                   int log2Height) {
+    return Costing(program, log2Width, log2Height).run(outputs);
 }
 
 } // namespace embedded

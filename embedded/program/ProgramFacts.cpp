@@ -1,25 +1,10 @@
 #include "embedded/program/ProgramFacts.h"
 
-#include <algorithm>
+#include "embedded/nodes/ParameterRange.h"
+
 #include <string_view>
 
 namespace embedded {
-namespace {
-
-Value withinRange(Value value, const ParameterInfo& info) {
-    const auto bounded = [&info](double component) {
-        return std::clamp(component, info.minimum, info.maximum);
-    };
-    for (std::size_t i = 0; i < static_cast<std::size_t>(componentCount(value.type)); ++i) {
-        if (isInteger(value.type))
-            value.integers[i] = static_cast<std::int32_t>(bounded(value.integers[i]));
-        else
-            value.floats[i] = static_cast<float>(bounded(static_cast<double>(value.floats[i])));
-    }
-    return value;
-}
-
-} // namespace
 
 KnownParameters knownParameters(const ProgramNode& node) {
     const NodeKind& kind = *findNodeKind(node.kind);

@@ -2,6 +2,8 @@
 #include "embedded/engine/Plan.h"
 #include "embedded/engine/Schedule.h"
 #include "embedded/engine/WorkerPool.h"
+#include "embedded/nodes/ParameterRange.h"
+#include "embedded/program/Cost.h"
 #include "embedded/program/Verifier.h"
 #include "embedded/rows/InstructionSet.h"
 #include "tests/embedded/engine/ProgramBuilder.h"
@@ -165,6 +167,28 @@ TEST(Evaluator, runsOnlyWhatChangedWithinItsBudget) {
         EXPECT_EQ(nodesRun(inputs, 1, 0.5f), keeps ? 1u : 3u);
         EXPECT_EQ(nodesRun(inputs, 0, 0.2f), keeps ? 2u : 3u);
         EXPECT_EQ(nodesRun(inputs, 0, 0.1f), keeps ? 1u : 3u); // back again
+    }
+}
+
+// What is known before a run bounds it, whatever the graph.
+TEST(Evaluator, costsNoMoreThanWasSaid) {
+    std::mt19937 random(2);
+    for (const NodeKind& kind : nodeKinds()) {
+        for (int variant = 0; variant < 8; ++variant) {
+            ProgramBuilder builder = randomGraph(kind, random);
+            builder.program.outputs.push_back({1, 6, 65, 15});
+            const std::vector<std::size_t> outputs = {0, 1, 2, 3};
+            const ProgramCost cost = costOf(builder.program, outputs, 0, 0);
+            const Plan plan = makePlan(builder.program, outputs, builder.inputValues());
+            const Schedule schedule = makeSchedule(plan, {[](const ImageKey&) { return nullptr; }, {}});
+            Workshop workshop = plainWorkshop();
+            RenderedTextures rendered;
+            const Statistics run =
+                evaluate(builder.program, outputs, builder.inputValues(), workshop, rendered);
+            EXPECT_LE(run.nodesRun, cost.nodes + cost.conversions) << kind.name << variant;
+            EXPECT_LE(run.pixelsComputed, cost.computedPixels) << kind.name << variant;
+            EXPECT_LE(run.mostBytesHeld, schedule.peakBytes) << kind.name << variant;
+        }
     }
 }
 

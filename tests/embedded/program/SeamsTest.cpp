@@ -115,17 +115,19 @@ TEST(Cost, CountsWhatTheOutputsNeed) {
     for (ProgramNode& node : program.nodes) node.resolution = boundTo(0);
     program.nodes[1].resolution = constantly(makeValue(ValueType::Integer2, {3, 99})); // runs as 3, 14
     program.outputs = {{1, 2, 0, 1}, {2, 3, 0, 1}};
+    constexpr double resizing = 20;
     const auto perPixel = [](const char* kind) { return findNodeKind(kind)->costPerPixel; };
 
     const ProgramCost one = costOf(program, {1}, 4, 5);
     EXPECT_EQ(one.nodes, 2u);
-    EXPECT_EQ(one.operations, perPixel("wave") * 8 * 16384 + perPixel("levels") * 16 * 32);
+    EXPECT_EQ(one.operations, perPixel("wave") * 8 * 16384 + (perPixel("levels") + resizing) * 16 * 32);
     EXPECT_EQ(one.bytes, 4u * (8 * 16384 + 16 * 32));
     EXPECT_EQ(one.pixels, 8u * 16384);
     const ProgramCost both = costOf(program, {0, 1}, 4, 5);
     EXPECT_EQ(both.nodes, 4u);
     EXPECT_EQ(both.bytes, one.bytes + 2 * 16 * 16 * 32); // colour
-    EXPECT_EQ(both.operations - one.operations, (perPixel("uniform") + perPixel("blend")) * 16 * 32);
+    EXPECT_EQ(both.operations - one.operations,
+              (perPixel("uniform") + perPixel("blend") + resizing) * 16 * 32);
     EXPECT_EQ(costOf(program, {}, 4, 5).nodes, 0u);
 }
 
