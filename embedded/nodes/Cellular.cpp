@@ -71,6 +71,7 @@ private:
     static std::vector<float> positions(const CellAxis& axis) {
         std::vector<float> positions;
         const auto size = static_cast<int>(axis.cellOf.size());
+        positions.reserve(axis.cellOf.size());
         for (int pixel = 0; pixel < size; ++pixel)
             positions.push_back(static_cast<float>((pixel + 0.5) * axis.cells / size));
         return positions;

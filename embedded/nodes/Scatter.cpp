@@ -241,6 +241,7 @@ private:
 
     void draw(int begin, int end, Image& result) const {
         std::vector<ScatterPattern> patterns;
+        patterns.reserve(static_cast<std::size_t>(levels_.count()));
         for (int level = 0; level < levels_.count(); ++level) patterns.push_back(levels_.at(level));
         const ScatterOverlap overlap = overlap_ == Lighten ? ScatterOverlap::Lighten
                                        : overlap_ == Add   ? ScatterOverlap::Add
@@ -274,7 +275,8 @@ private:
         std::vector<Copy> near;
         for (int r = row - cellReach; r <= row + cellReach; ++r) {
             const int wrapped = (r + cellReach * copies_.rows()) % copies_.rows();
-            const float shiftDown = static_cast<float>((r - wrapped) / copies_.rows() * run_.height);
+            const int periodDown = (r - wrapped) / copies_.rows();
+            const auto shiftDown = static_cast<float>(periodDown * run_.height);
             for (int period = -cellReach; period <= cellReach; ++period) {
                 const auto shiftAcross = static_cast<float>(period * run_.width);
                 for (Copy copy : copies_.row(wrapped)) {

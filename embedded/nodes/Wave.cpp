@@ -46,6 +46,7 @@ std::unique_ptr<RowKernel> prepareCentred(const NodeRun& run) {
                               pixel,
                               0.0f};
     std::vector<float> x;
+    x.reserve(static_cast<std::size_t>(run.width));
     for (int i = 0; i < run.width; ++i)
         x.push_back((static_cast<float>(i) + 0.5f - 0.5f * static_cast<float>(run.width)) * pixel);
     return makeRowKernel(

@@ -53,6 +53,7 @@ public:
 
     ProgramCost run(const std::vector<std::size_t>& outputs) && {
         std::vector<std::int32_t> results;
+        results.reserve(outputs.size());
         for (const std::size_t output : outputs) results.push_back(program_.outputs[output].node);
         const std::vector<bool> isNeeded = neededNodes(program_, results);
         for (std::size_t i = 0; i < program_.nodes.size(); ++i) {

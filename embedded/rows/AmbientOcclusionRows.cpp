@@ -14,7 +14,7 @@ void quadruple(const Plane& image, int y, int x, int count, float* __restrict ou
     constexpr int columns = blockSize / 4 + 2;
     float nearBuffer[columns];
     float farBuffer[columns];
-    float column[columns];
+    float column[columns] = {};
     const int small = count / 4;
     const int phase = y & 3;
     const float share = shares[phase];
@@ -67,13 +67,11 @@ void findHorizon(const Horizons& horizons, const float* __restrict rise, int dir
         for (int i = 0; i < count; ++i) farther[i] = 0.0f;
     }
     const float share = 1.0f / static_cast<float>(horizons.rays);
+    for (int i = 0; i < count; ++i) tangents[i] = 0.0f;
     for (int r = 0; r < horizons.rays; ++r) {
         for (int i = 0; i < count; ++i) ray[i] = farther[i];
         lookAlong(horizons, horizons.places[direction][r], y, x, count, ray);
-        if (r == 0)
-            for (int i = 0; i < count; ++i) tangents[i] = share * ray[i];
-        else
-            for (int i = 0; i < count; ++i) tangents[i] += share * ray[i];
+        for (int i = 0; i < count; ++i) tangents[i] += share * ray[i];
     }
 }
 
@@ -92,7 +90,7 @@ void quarterRow(const Plane& image, int y, float* __restrict out) {
 }
 
 void horizonRow(const Horizons& horizons, int y, float* const* out) {
-    float rise[blockSize];
+    float rise[blockSize] = {};
     const int width = horizons.heights.width;
     for (int x = 0; x < width; x += blockSize) {
         const int count = width - x < blockSize ? width - x : blockSize;
@@ -105,7 +103,7 @@ void horizonRow(const Horizons& horizons, int y, float* const* out) {
 // Under an even sky the light on level ground that comes from one direction is, above an elevation e, the
 // square of cos e, which is 1 / (1 + tan^2 e).
 void occlusionRow(const Horizons& horizons, float strength, int y, float* __restrict out) {
-    float rise[blockSize];
+    float rise[blockSize] = {};
     float tangents[blockSize];
     float light[blockSize];
     const int width = horizons.heights.width;

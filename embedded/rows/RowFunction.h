@@ -63,7 +63,8 @@ struct RowFunction {
     namespace rows_avx512 {                                                                                  \
     Signature name;                                                                                          \
     }                                                                                                        \
-    constexpr RowFunction<Signature> name = {                                                                \
-        {rows_baseline::name, KVSUBSTANCE_AVX2_VERSION(name), KVSUBSTANCE_AVX512_VERSION(name)}};
+    constexpr RowFunction<Signature> name = {/* NOLINT(bugprone-macro-parentheses) */                        \
+                                             {rows_baseline::name, KVSUBSTANCE_AVX2_VERSION(name),           \
+                                              KVSUBSTANCE_AVX512_VERSION(name)}};
 
 #endif

@@ -81,8 +81,7 @@ void run(const char* bottomPath, const char* topPath) {
     require(bool(restored), "the packages make no second material");
     restored->applyStateString(saved);
     require(restored->getStateString() == saved, "the restored state is another one");
-    material->applyStateString(
-        saved); // a state keeps six decimals of a number, so this may change values a little
+    material->applyStateString(saved); // which keeps six decimals of each number
     require(render(restored) == render(material), "the restored material looks different");
 }
 
