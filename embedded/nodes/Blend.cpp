@@ -44,8 +44,11 @@ NodeKind blendKind() {
          {"mask", PortChannels::Gray, false, 0}},
         {choice("mode",
                 {"normal", "multiply", "screen", "overlay", "darken", "lighten", "colourDodge", "colourBurn",
-                 "hardLight", "softLight", "difference", "exclusion", "add", "subtract"},
-                0, "blend mode; subtract takes the foreground from the background"),
+                 "hardLight", "softLight", "difference", "exclusion", "add", "subtract", "hue", "saturation",
+                 "colour", "luminosity"},
+                0,
+                "blend mode; subtract takes the foreground from the background; the last four give that "
+                "property of the foreground to the background"),
          number("opacity", ValueType::Float, 1, 0, 1, "multiplies the mask, which is 1 when not connected")},
         ResultChannels::Widest,
         hasAlpha,

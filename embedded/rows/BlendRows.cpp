@@ -9,8 +9,8 @@ inline float choose(bool condition, float then, float otherwise) {
     return condition ? then : otherwise;
 }
 
-// The blend functions B(backdrop, source) of W3C, "Compositing and Blending Level 1", 2015; add and subtract
-// are the plain operations.
+// The blend functions B(backdrop, source) of each component of W3C, "Compositing and Blending Level 1", 2015;
+// add and subtract are the plain operations.
 struct Normal {
     static float of(float, float s) { return s; }
 };
@@ -68,6 +68,70 @@ struct Add {
 };
 struct Subtract {
     static float of(float b, float s) { return b - s; }
+};
+
+// Whole colours, and what the recommendation calls Lum, Sat, SetSat and SetLum.
+struct Colour {
+    float red, green, blue;
+};
+
+inline float least(const Colour& c) {
+    return Darken::of(Darken::of(c.red, c.green), c.blue);
+}
+
+inline float most(const Colour& c) {
+    return Lighten::of(Lighten::of(c.red, c.green), c.blue);
+}
+
+inline float luminosityOf(const Colour& c) {
+    return 0.3f * c.red + 0.59f * c.green + 0.11f * c.blue;
+}
+
+inline float saturationOf(const Colour& c) {
+    return most(c) - least(c);
+}
+
+inline Colour withSaturation(const Colour& c, float saturation) {
+    const float lowest = least(c);
+    const float range = most(c) - lowest;
+    const float scale = choose(range > 0, saturation, 0.0f) / choose(range > 0, range, 1.0f);
+    return {(c.red - lowest) * scale, (c.green - lowest) * scale, (c.blue - lowest) * scale};
+}
+
+inline Colour towards(const Colour& c, float luminosity, float scale) {
+    return {luminosity + (c.red - luminosity) * scale, luminosity + (c.green - luminosity) * scale,
+            luminosity + (c.blue - luminosity) * scale};
+}
+
+// Colours that come to lie outside of 0 to 1 are drawn towards their luminosity.
+inline Colour withLuminosity(const Colour& c, float luminosity) {
+    const float change = luminosity - luminosityOf(c);
+    const Colour moved = {c.red + change, c.green + change, c.blue + change};
+    const float below = luminosity - least(moved);
+    const bool isTooLow = least(moved) < 0 && below > 0;
+    const float raising = choose(isTooLow, luminosity, 1.0f) / choose(isTooLow, below, 1.0f);
+    const Colour raised = towards(moved, luminosity, raising);
+    const float above = most(raised) - luminosity;
+    const bool isTooHigh = most(raised) > 1.0f && above > 0;
+    const float lowering = choose(isTooHigh, 1.0f - luminosity, 1.0f) / choose(isTooHigh, above, 1.0f);
+    return towards(raised, luminosity, lowering);
+}
+
+struct TakeHue {
+    static Colour of(const Colour& b, const Colour& s) {
+        return withLuminosity(withSaturation(s, saturationOf(b)), luminosityOf(b));
+    }
+};
+struct TakeSaturation {
+    static Colour of(const Colour& b, const Colour& s) {
+        return withLuminosity(withSaturation(b, saturationOf(s)), luminosityOf(b));
+    }
+};
+struct TakeColour {
+    static Colour of(const Colour& b, const Colour& s) { return withLuminosity(s, luminosityOf(b)); }
+};
+struct TakeLuminosity {
+    static Colour of(const Colour& b, const Colour& s) { return withLuminosity(b, luminosityOf(s)); }
 };
 
 // How much of the foreground shows: pixels of this many fit on the stack.
@@ -144,6 +208,40 @@ void blend(const BlendSources& sources, int count, float* const* out) {
         blendChunk<Mode>(sources, begin, count - begin < chunk ? count - begin : chunk, out);
 }
 
+// Puts the blended colours in the foreground's place; what is left to do is the mode normal.
+template <typename Mode>
+void blendColours(const BlendSources& sources, int count, float* const* out) {
+    const int colours = sources.channels == 1 ? 1 : 3;
+    float blended[3][chunk];
+    for (int begin = 0; begin < count; begin += chunk) {
+        const int length = count - begin < chunk ? count - begin : chunk;
+        const float* b[4];
+        const float* s[4];
+        float* to[4];
+        for (int c = 0; c < 4; ++c) {
+            const int from = c < colours ? c : c < 3 ? 0 : 3;
+            const bool isThere = from < colours || sources.channels > 1;
+            b[c] = isThere ? sources.background[from] + begin : nullptr;
+            s[c] = isThere ? sources.foreground[from] + begin : nullptr;
+            to[c] = c < sources.channels ? out[c] + begin : nullptr;
+        }
+        const bool hasAlpha = sources.channels == 4;
+        for (int i = 0; i < length; ++i) {
+            const Colour source = {s[0][i], s[1][i], s[2][i]};
+            const Colour mixed = Mode::of({b[0][i], b[1][i], b[2][i]}, source);
+            const float share = hasAlpha ? b[3][i] : 1.0f;
+            blended[0][i] = mix(source.red, mixed.red, share);
+            blended[1][i] = mix(source.green, mixed.green, share);
+            blended[2][i] = mix(source.blue, mixed.blue, share);
+        }
+        const float* const foreground[4] = {blended[0], blended[1], blended[2], s[3]};
+        const BlendSources rest = {sources.channels, b,
+                                   foreground,       sources.mask ? sources.mask + begin : nullptr,
+                                   sources.opacity,  sources.hasForegroundAlpha};
+        blend<Normal>(rest, length, to);
+    }
+}
+
 } // namespace
 
 void blendRow(BlendMode mode, const BlendSources& sources, int count, float* const* out) {
@@ -176,6 +274,14 @@ void blendRow(BlendMode mode, const BlendSources& sources, int count, float* con
         return blend<Add>(sources, count, out);
     case BlendMode::Subtract:
         return blend<Subtract>(sources, count, out);
+    case BlendMode::Hue:
+        return blendColours<TakeHue>(sources, count, out);
+    case BlendMode::Saturation:
+        return blendColours<TakeSaturation>(sources, count, out);
+    case BlendMode::Colour:
+        return blendColours<TakeColour>(sources, count, out);
+    case BlendMode::Luminosity:
+        return blendColours<TakeLuminosity>(sources, count, out);
     }
 }
 

@@ -19,7 +19,11 @@ enum class BlendMode {
     Difference,
     Exclusion,
     Add,
-    Subtract
+    Subtract,
+    Hue, // this one and those behind it work on whole colours
+    Saturation,
+    Colour,
+    Luminosity
 };
 
 struct BlendSources {
