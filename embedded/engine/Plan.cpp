@@ -37,6 +37,7 @@ public:
 
     Plan build(const std::vector<std::size_t>& outputs) && {
         std::vector<std::int32_t> shown;
+        shown.reserve(outputs.size());
         for (const std::size_t output : outputs) shown.push_back(program_.outputs[output].node);
         const std::vector<bool> needed = neededNodes(program_, shown);
         for (std::size_t i = 0; i < program_.nodes.size(); ++i)
