@@ -206,7 +206,7 @@ void runNode(benchmark::State& state, const NodeKind& kind, bool colour, int log
     for (auto _ : state) benchmark::DoNotOptimize(run(last));
 }
 
-// A megabyte of whole-number steps that depend on each other.
+// Four million whole-number steps that depend on each other.
 void arithmeticLoop(benchmark::State& state) {
     for (auto _ : state) {
         std::uint32_t x = 1;

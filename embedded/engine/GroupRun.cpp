@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <array>
+#include <map>
 
 namespace embedded {
 namespace {
@@ -47,18 +48,17 @@ struct Operation {
 };
 
 // The group as a sequence of operations on segments, whose results between them stand in buffers that are
-// used again as soon as nobody reads them any more.
+// used again as soon as nobody reads them any more. The root goes into the result, where there is one; nothing
+// is computed where there is an image to be shown already.
 class SegmentProgram {
 public:
     SegmentProgram(const Plan& plan, const Group& group,
                    const std::vector<std::shared_ptr<const Image>>& images,
-                   const std::shared_ptr<ImageMemory>& memory, Image* result)
+                   const std::shared_ptr<ImageMemory>& memory, Image* result, const Image* shown)
         : plan_(plan)
         , root_(plan.nodes[group.root])
-        , places_(plan.nodes.size())
-        , readsLeft_(plan.nodes.size())
         , result_(result) {
-        const bool computesRoot = !images[group.root];
+        const bool computesRoot = !shown;
         std::vector<std::size_t> nodes = group.streamed;
         if (computesRoot) nodes.push_back(group.root);
         for (const std::size_t node : nodes)
@@ -66,7 +66,7 @@ public:
                 if (source.connected()) ++readsLeft_[source.node];
         ++readsLeft_[group.root];
         for (const std::size_t node : nodes) addOperation(node, node == group.root, images, memory);
-        rootPlace_ = computesRoot ? places_[group.root] : placeIn(*images[group.root]);
+        rootPlace_ = computesRoot ? places_[group.root] : placeIn(*shown);
     }
 
     int bufferCount() const { return bufferCount_; }
@@ -117,8 +117,8 @@ private:
 
     const Plan& plan_;
     const PlanNode& root_;
-    std::vector<PixelPlace> places_; // by node of the plan
-    std::vector<int> readsLeft_;
+    std::map<std::size_t, PixelPlace> places_; // by node of the plan, of those that were computed
+    std::map<std::size_t, int> readsLeft_;
     std::vector<Operation> operations_;
     std::vector<int> free_;
     int bufferCount_ = 0;
@@ -236,9 +236,8 @@ std::shared_ptr<const Image> runGroup(const Plan& plan, const Group& group,
         addWork(1);
         if (targets.empty()) return result;
     }
-    std::vector<std::shared_ptr<const Image>> known = images;
-    if (hasPasses) known[group.root] = result;
-    const SegmentProgram program(plan, group, known, memory, hasPasses ? nullptr : result.get());
+    const SegmentProgram program(plan, group, images, memory, hasPasses ? nullptr : result.get(),
+                                 hasPasses ? result.get() : images[group.root].get());
     runSegments(program, targets, root, runner, segmentLength);
     addWork(program.operations().size());
     return result;

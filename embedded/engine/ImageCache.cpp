@@ -24,7 +24,6 @@ void ImageCache::insert(const ImageKey& key, std::shared_ptr<const Image> image,
         throw;
     }
     place->second = entries_.begin();
-    bytes_ += entries_.front().image->bytes();
 }
 
 void ImageCache::giveUp(std::uint64_t bytes) {
@@ -71,13 +70,7 @@ void ImageCache::setLastRun(const void* owner, std::set<ImageKey> computed) {
     lastRuns_[owner] = std::move(computed);
 }
 
-std::uint64_t ImageCache::bytes() const {
-    const std::lock_guard<std::mutex> lock(mutex_);
-    return bytes_;
-}
-
 ImageCache::Entries::iterator ImageCache::erase(Entries::iterator entry) {
-    bytes_ -= entry->image->bytes();
     places_.erase(entry->key);
     return entries_.erase(entry);
 }

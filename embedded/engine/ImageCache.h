@@ -33,8 +33,6 @@ public:
     std::set<ImageKey> lastRun(const void* owner) const;
     void setLastRun(const void* owner, std::set<ImageKey> computed);
 
-    std::uint64_t bytes() const;
-
 private:
     struct Entry {
         ImageKey key;
@@ -50,8 +48,7 @@ private:
     Entries entries_; // the one used last is at the front
     std::map<ImageKey, Entries::iterator> places_;
     std::map<const void*, std::set<ImageKey>> lastRuns_; // by owner
-    std::uint64_t bytes_ = 0;
-    std::uint64_t time_ = 0; // counts uses
+    std::uint64_t time_ = 0;                             // counts uses
 };
 
 } // namespace embedded

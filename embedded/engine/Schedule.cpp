@@ -67,14 +67,16 @@ private:
 
     bool wasComputed(const PlanNode& node) const { return history_.computedBefore.count(node.key) > 0; }
 
-    // Of the node and of what may stream into it.
-    double chainCost(std::size_t index) const {
-        const PlanNode& node = plan_.nodes[index];
-        double cost = node.costPerPixel();
-        for (const PlanSource& source : node.sources)
-            if (cost <= worthKeeping && source.connected() && source.border == 0 && !isThere(source.node))
-                cost += chainCost(source.node);
-        return cost;
+    // Of each node with what may stream into it; beyond what is worth keeping it does not matter how much.
+    std::vector<double> chainCosts() const {
+        std::vector<double> costs(count_);
+        for (std::size_t i = 0; i < count_; ++i) {
+            costs[i] = plan_.nodes[i].costPerPixel();
+            for (const PlanSource& source : plan_.nodes[i].sources)
+                if (source.connected() && source.border == 0 && !isThere(source.node))
+                    costs[i] += std::min(costs[source.node], 2 * worthKeeping);
+        }
+        return costs;
     }
 
     // From the readers to what they read: the roots that a streaming node would be computed for are known
@@ -84,6 +86,7 @@ private:
         std::vector<std::size_t> onlyRoot(count_, none);
         std::vector<bool> severalRoots(count_);
         std::vector<bool> changedReader(count_);
+        const std::vector<double> costs = chainCosts();
         const auto addRoot = [&](std::size_t node, std::size_t root) {
             if (onlyRoot[node] != none && onlyRoot[node] != root) severalRoots[node] = true;
             onlyRoot[node] = root;
@@ -93,7 +96,7 @@ private:
             const PlanNode& node = plan_.nodes[i];
             if (shown_[i]) addRoot(i, i);
             const bool isCostly = node.costPerPixel() > (isGenerator(node) ? costlyGenerator : costlyFilter);
-            const bool isUnedited = changedReader[i] && wasComputed(node) && chainCost(i) > worthKeeping;
+            const bool isUnedited = changedReader[i] && wasComputed(node) && costs[i] > worthKeeping;
             const bool isShared = severalRoots[i] && (node.costPerPixel() > cheapNode || !isGenerator(node));
             kept_[i] = kept_[i] || !node.hasRows() || isCostly || isShared || isUnedited;
             for (const PlanSource& source : node.sources) {
@@ -110,25 +113,24 @@ private:
 
     void addGroup(std::size_t root) {
         Group group{root, kept_[root] && !isThere(root), {}, {}, {}};
-        if (!isThere(root)) collectStreamed(root, group.streamed);
-        std::sort(group.streamed.begin(), group.streamed.end());
+        if (!isThere(root)) group.streamed = streamedInto(root);
         for (const Showing& showing : plan_.showings)
             if (showing.node == root) group.showings.push_back(showing);
         schedule_.groups.push_back(std::move(group));
     }
 
-    void collectStreamed(std::size_t reader, std::vector<std::size_t>& streamed) const {
-        std::vector<std::size_t> open = {reader};
+    // In the plan's order.
+    std::vector<std::size_t> streamedInto(std::size_t root) const {
+        std::set<std::size_t> streamed;
+        std::vector<std::size_t> open = {root};
         while (!open.empty()) {
             const std::size_t node = open.back();
             open.pop_back();
-            for (const PlanSource& source : plan_.nodes[node].sources) {
-                if (!source.connected() || !streams(source.node)) continue;
-                if (std::find(streamed.begin(), streamed.end(), source.node) != streamed.end()) continue;
-                streamed.push_back(source.node);
-                open.push_back(source.node);
-            }
+            for (const PlanSource& source : plan_.nodes[node].sources)
+                if (source.connected() && streams(source.node) && streamed.insert(source.node).second)
+                    open.push_back(source.node);
         }
+        return {streamed.begin(), streamed.end()};
     }
 
     // Calls visit(node) for the images that a group reads and makes.
