@@ -26,7 +26,6 @@ public:
 
     Statistics run() {
         if (schedule_.peakBytes > workshop_.limit) throw std::bad_alloc();
-        statistics_.runs = 1;
         for (const Group& group : schedule_.groups) runOne(group);
         schedule_.images.clear();
         if (workshop_.cache) remember();
@@ -44,7 +43,7 @@ private:
 
     History history() {
         if (!workshop_.cache) return {[](const ImageKey&) { return nullptr; }, {}};
-        return {[this](const ImageKey& key) { return findImage(key); },
+        return {[this](const ImageKey& key) { return workshop_.cache->find(key); },
                 workshop_.cache->lastRun(workshop_.owner)};
     }
 
@@ -54,12 +53,6 @@ private:
         for (const PlanNode& node : plan_.nodes) all.insert(node.key);
         workshop_.cache->setLastRun(workshop_.owner, std::move(all));
         workshop_.cache->giveUpUnused(workshop_.owner, begin_, workshop_.budget / 4);
-    }
-
-    std::shared_ptr<const Image> findImage(const ImageKey& key) {
-        auto image = workshop_.cache->find(key);
-        if (image) ++statistics_.imagesReused;
-        return image;
     }
 
     void runOne(const Group& group) {

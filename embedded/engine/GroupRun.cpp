@@ -48,8 +48,8 @@ struct Operation {
 };
 
 // The group as a sequence of operations on segments, whose results between them stand in buffers that are
-// used again as soon as nobody reads them any more. The root goes into the result, where there is one; nothing
-// is computed where there is an image to be shown already.
+// used again as soon as nobody reads them any more. The root goes into the result, where there is one;
+// nothing is computed where there is an image to be shown already.
 class SegmentProgram {
 public:
     SegmentProgram(const Plan& plan, const Group& group,

@@ -31,10 +31,8 @@ void resetStatistics() {
 void addToStatistics(const Statistics& run) {
     const std::lock_guard<std::mutex> lock(guarded().mutex);
     Statistics& all = guarded().statistics;
-    all.runs += run.runs;
     all.nodesRun += run.nodesRun;
     all.pixelsComputed += run.pixelsComputed;
-    all.imagesReused += run.imagesReused;
     all.bytesHeld = run.bytesHeld;
     all.mostBytesHeld = std::max(all.mostBytesHeld, run.mostBytesHeld);
 }

@@ -6,10 +6,8 @@
 namespace embedded {
 
 struct Statistics {
-    std::uint64_t runs = 0;           // requests that were computed
     std::uint64_t nodesRun = 0;       // what had not changed is not counted
     std::uint64_t pixelsComputed = 0; // of all nodes together
-    std::uint64_t imagesReused = 0;   // that an earlier run had left
     std::uint64_t bytesHeld = 0;      // by images after the last run
     std::uint64_t mostBytesHeld = 0;  // by images at any moment
 };

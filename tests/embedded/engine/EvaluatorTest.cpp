@@ -192,6 +192,26 @@ TEST(Evaluator, costsNoMoreThanWasSaid) {
     }
 }
 
+// As long as programs may be, in chains where each node reads the one before twice.
+TEST(Evaluator, runsTheLongestPrograms) {
+    ProgramBuilder builder(0, 0);
+    builder.program.inputs = {makeInput(1, ValueType::Float, {0.5})};
+    std::int32_t last = builder.node("uniform", {}, {{"value", {1}}});
+    while (builder.program.nodes.size() + 1 < maxProgramNodes) last = builder.node("blend", {last, last});
+    last = builder.node("levels", {last});
+    parameter(builder.program.nodes.back(), "outputHigh") = boundTo(0);
+    builder.program.outputs = {{1, last, 68, 0}};
+    Workshop workshop = plainWorkshop();
+    workshop.cache = std::make_shared<ImageCache>();
+    InputValues inputs = builder.inputValues();
+    for (const float high : {0.5f, 0.25f}) { // the second run finds a node that the edit leaves alone
+        inputs.values[0].floats[0] = high;
+        RenderedTextures rendered;
+        evaluate(builder.program, {0}, inputs, workshop, rendered);
+        EXPECT_EQ(imageOf(rendered.textures.at(0), 1).row(0)[0], high);
+    }
+}
+
 TEST(Evaluator, refusesRunsThatDoNotFitIntoMemory) {
     ProgramBuilder builder(8, 8);
     builder.program.outputs = {{1, builder.node("fbm"), 0, 0}};
