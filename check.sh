@@ -8,6 +8,7 @@
 #   ./check.sh clang    optimised, clang
 #   ./check.sh windows  64-bit Windows: cross-built with mingw-w64, run under wine (docs/windows.md)
 #   ./check.sh lint     formatting, clang-tidy, and the shipped headers on their own
+#   ./check.sh abi      the binary interface against its record; "abi record" writes the record anew
 #   ./check.sh bench    benchmarks, optimised; fails when time grows faster than it may
 #
 # Each mode builds into build/<mode> (the first one into build/release). Warnings are errors.
@@ -44,6 +45,12 @@ lint)
     cmake/install-packages.sh "${build_packages[@]}" "${clang_packages[@]}" "${lint_packages[@]}"
     cmake/lint.sh
     ;;
+abi)
+    cmake/install-packages.sh "${build_packages[@]}" "${abi_packages[@]}"
+    cmake --preset debug >build/configure.log 2>&1 || { cat build/configure.log >&2; exit 1; }
+    cmake --build --preset debug --target kvsubstance
+    cmake/abi.sh "${@:2}"
+    ;;
 bench)
     cmake/install-packages.sh "${build_packages[@]}" "${benchmark_packages[@]}"
     cmake --preset release -DKVSUBSTANCE_BUILD_BENCHMARKS=ON >build/configure.log 2>&1 ||
@@ -53,7 +60,7 @@ bench)
     build/release/bin/engine_benchmarks --benchmark_repetitions=5
     ;;
 *)
-    echo "error: unknown mode \"$mode\"; expected release, debug, asan, tsan, clang, windows, lint or bench" >&2
+    echo "error: unknown mode \"$mode\"; expected release, debug, asan, tsan, clang, windows, lint, abi or bench" >&2
     exit 2
     ;;
 esac

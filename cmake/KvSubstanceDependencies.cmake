@@ -3,15 +3,7 @@ include_guard()
 
 find_package(Boost 1.81 REQUIRED COMPONENTS thread)
 find_package(Threads REQUIRED)
-
-find_path(TINYXML_INCLUDE_DIR tinyxml.h)
-find_library(TINYXML_LIBRARY tinyxml)
-if(NOT TINYXML_INCLUDE_DIR OR NOT TINYXML_LIBRARY)
-    message(FATAL_ERROR "TinyXML 2.6.2 was not found; on Debian it is the package libtinyxml-dev")
-endif()
-add_library(tinyxml UNKNOWN IMPORTED)
-set_target_properties(tinyxml PROPERTIES IMPORTED_LOCATION ${TINYXML_LIBRARY}
-    INTERFACE_INCLUDE_DIRECTORIES ${TINYXML_INCLUDE_DIR} INTERFACE_COMPILE_DEFINITIONS TIXML_USE_STL)
+find_package(TinyXML REQUIRED)
 
 find_path(FLATBUFFERS_INCLUDE_DIR flatbuffers/flatbuffers.h)
 find_program(FLATBUFFERS_COMPILER flatc)

@@ -9,15 +9,15 @@ add_library(kvsubstance_core STATIC)
 add_library(kvSubstance::core ALIAS kvsubstance_core)
 target_compile_definitions(kvsubstance_core INTERFACE KVSUBSTANCE_STATIC)
 target_link_libraries(kvsubstance_core PUBLIC kvsubstance_settings kvsubstance_platform
-    ${KVSUBSTANCE_BASE_LIBRARY} ${KVSUBSTANCE_IMAGE_LIBRARY} Boost::thread Threads::Threads tinyxml)
+    ${KVSUBSTANCE_BASE_LIBRARY} ${KVSUBSTANCE_IMAGE_LIBRARY} Boost::thread Threads::Threads TinyXML::TinyXML)
 
 add_library(kvsubstance SHARED)
 add_library(kvSubstance::kvsubstance ALIAS kvsubstance)
-set_target_properties(kvsubstance PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR})
+set_target_properties(kvsubstance PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION ${KVSUBSTANCE_SOVERSION})
 target_link_libraries(kvsubstance
     PUBLIC kvsubstance_platform ${KVSUBSTANCE_BASE_LIBRARY} ${KVSUBSTANCE_IMAGE_LIBRARY} Boost::headers
     PRIVATE kvsubstance_settings ${KVSUBSTANCE_LINKER_LIBRARY} ${KVSUBSTANCE_ENGINE_LIBRARY} Boost::thread
-            Threads::Threads tinyxml)
+            Threads::Threads TinyXML::TinyXML)
 foreach(part IN LISTS kvsubstance_parts)
     target_sources(kvsubstance_core PRIVATE $<TARGET_OBJECTS:${part}>)
     target_sources(kvsubstance PRIVATE $<TARGET_OBJECTS:${part}>)

@@ -12,6 +12,8 @@ set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
 set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/bin)
 set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/lib)
 set(CMAKE_ARCHIVE_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/lib)
+# While the major version is 0, a minor version may break what the one before promised to programs.
+set(KVSUBSTANCE_SOVERSION ${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR})
 set(KVSUBSTANCE_INSTALL_INCLUDES ${CMAKE_INSTALL_INCLUDEDIR}/kvsubstance)
 if(WIN32)
     set(CMAKE_SHARED_LIBRARY_PREFIX "") # kvsubstance.dll
@@ -23,22 +25,30 @@ if(NOT CMAKE_BUILD_TYPE AND NOT CMAKE_CONFIGURATION_TYPES)
     set(CMAKE_BUILD_TYPE Release CACHE STRING "Kind of build" FORCE)
 endif()
 
-# Settings that every target of ours links.
+# Settings that every target of ours links. None of them reaches who links the installed libraries.
 add_library(kvsubstance_settings INTERFACE)
-target_include_directories(kvsubstance_settings INTERFACE ${PROJECT_SOURCE_DIR})
+function(kvsubstance_setting command)
+    foreach(setting IN LISTS ARGN)
+        cmake_language(CALL ${command} kvsubstance_settings INTERFACE $<BUILD_INTERFACE:${setting}>)
+    endforeach()
+endfunction()
+kvsubstance_setting(target_include_directories ${PROJECT_SOURCE_DIR})
 if(WIN32)
-    target_compile_definitions(kvsubstance_settings INTERFACE NOMINMAX WIN32_LEAN_AND_MEAN) # for windows.h
+    kvsubstance_setting(target_compile_definitions NOMINMAX WIN32_LEAN_AND_MEAN) # for windows.h
 endif()
 if(MSVC)
     # Not about members of exported classes: all libraries and the host use one C++ runtime.
-    target_compile_options(kvsubstance_settings INTERFACE /W4 /wd4251 /wd4275 /utf-8 /permissive-
-                           $<$<BOOL:${KVSUBSTANCE_WARNINGS_AS_ERRORS}>:/WX>)
+    kvsubstance_setting(target_compile_options /W4 /wd4251 /wd4275 /utf-8 /permissive-)
+    set(fatal_warnings /WX)
 else()
-    target_compile_options(kvsubstance_settings INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor
-                           $<$<BOOL:${KVSUBSTANCE_WARNINGS_AS_ERRORS}>:-Werror>)
+    kvsubstance_setting(target_compile_options -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor)
+    set(fatal_warnings -Werror)
+endif()
+if(KVSUBSTANCE_WARNINGS_AS_ERRORS)
+    kvsubstance_setting(target_compile_options ${fatal_warnings})
 endif()
 if(KVSUBSTANCE_SANITIZERS)
-    target_compile_options(kvsubstance_settings INTERFACE -fsanitize=${KVSUBSTANCE_SANITIZERS}
-                           -fno-sanitize-recover=all -fno-omit-frame-pointer)
-    target_link_options(kvsubstance_settings INTERFACE -fsanitize=${KVSUBSTANCE_SANITIZERS})
+    kvsubstance_setting(target_compile_options -fsanitize=${KVSUBSTANCE_SANITIZERS} -fno-sanitize-recover=all
+                        -fno-omit-frame-pointer)
+    kvsubstance_setting(target_link_options -fsanitize=${KVSUBSTANCE_SANITIZERS})
 endif()

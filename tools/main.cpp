@@ -39,6 +39,7 @@ int runCommandLine(int argc, char** argv) {
     int status = tool::Succeeded;
     CLI::App app("Makes material packages, looks into them, and renders them.", "kvsubstance");
     app.require_subcommand(0, 1);
+    app.set_version_flag("--version", "kvSubstance " KVSUBSTANCE_VERSION, "Print the version");
     app.allow_windows_style_options(false); // a slash begins a path there too
     app.footer("Exit status: 0 done, 1 failed, 2 the command line makes no sense.\n"
                "\"kvsubstance COMMAND --help\" shows a command's options and an example.");
@@ -52,12 +53,14 @@ int runCommandLine(int argc, char** argv) {
     tool::addVerify(app, status);
     tool::addDescribe(app, status);
     tool::addNodes(app, status);
+    tool::addManual(app, status);
+    tool::addCompletion(app, status);
     const std::string first = argc > 1 ? argv[1] : "";
     checkCommand(app, first);
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
-        if (error.get_exit_code() == 0) return app.exit(error); // help was asked for
+        if (error.get_exit_code() == 0) return app.exit(error); // help or version
         throw tool::UsageError(std::string(error.what()) + "; see \"kvsubstance " +
                                (first[0] == '-' ? "" : first + " ") + "--help\"");
     }

@@ -16,5 +16,7 @@ void addGallery(CLI::App& app, int& status);
 void addVerify(CLI::App& app, int& status);
 void addDescribe(CLI::App& app, int& status);
 void addNodes(CLI::App& app, int& status);
+void addManual(CLI::App& app, int& status);
+void addCompletion(CLI::App& app, int& status);
 
 } // namespace tool
