@@ -14,9 +14,11 @@ kv::vector<char> readFileContent(const std::string& path) {
     namespace fs = std::filesystem;
     std::error_code error;
     const fs::file_status status = fs::status(pathOf(path), error);
+    if (path == "-") throw Failure("-: standard input is not read; name a file");
     if (!fs::exists(status)) throw Failure(path + ": cannot be read: there is no such file");
     if (fs::is_directory(status)) throw Failure(path + ": cannot be read: it is a folder");
-    if (!fs::is_regular_file(status)) throw Failure(path + ": cannot be read: it is no ordinary file");
+    if (!fs::is_regular_file(status))
+        throw Failure(path + ": cannot be read: it is no ordinary file; store what it gives in one");
     // The library reads silently; opening the file here finds out what it would not tell.
     std::FILE* const file = std::fopen(path.c_str(), "rb");
     if (!file) throw Failure(path + ": cannot be read: " + std::generic_category().message(errno));

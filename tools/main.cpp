@@ -78,8 +78,10 @@ void prepareOutput() {
     SetConsoleOutputCP(CP_UTF8);
     _setmode(_fileno(stdout), _O_BINARY);
 #else
-    std::signal(SIGPIPE,
-                SIG_IGN); // a reader that goes away is an error of writing, not the end of the process
+    // A reader that goes away, and a limit on the size of files, are errors of writing, not the end of the
+    // process.
+    std::signal(SIGPIPE, SIG_IGN);
+    std::signal(SIGXFSZ, SIG_IGN);
 #endif
 }
 

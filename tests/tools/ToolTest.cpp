@@ -4,6 +4,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
 #include <map>
 
 namespace {
@@ -183,11 +184,27 @@ TEST_F(Tool, InternationalFileNames) {
 }
 
 #if !defined(_WIN32)
-TEST_F(Tool, OutputThatCannotBeWrittenIsAFailure) {
-    if (!fs::exists("/dev/full")) GTEST_SKIP() << "there is no device that is always full";
-    const std::string command = "cd \"" + folder.string() +
-                                "\" && \"" KVSUBSTANCE_TOOL "\" info bottom.kvpkg >/dev/full 2>stderr.txt";
-    EXPECT_EQ(WEXITSTATUS(std::system(command.c_str())), 1);
+// Each ends with status 1 and one line, and leaves what was there.
+TEST_F(Tool, FilesThatCannotBeReadOrWrittenAreFailures) {
+    writeFile("rendered.png", "old");
+    const std::string tool = "\"" KVSUBSTANCE_TOOL "\" ";
+    const std::string pipeWithoutReader = "mkfifo pipe && { (exec 4<pipe) & exec 5>pipe; wait; ";
+    for (const std::string& command :
+         {tool + "info bottom.kvpkg >/dev/full",                                     // a full disk
+          "ulimit -f 1; " + tool + "render bottom.kvpkg --size 512 -o rendered.png", // a full disk, in effect
+          tool + "render bottom.kvpkg -o /proc/rendered.png", // a folder that takes no files
+          pipeWithoutReader + tool + "nodes >&5; }",          // a broken pipe
+          tool + "info pipe", "cat bottom.kvpkg | " + tool + "info -",
+          "cat bottom.kvpkg | " + tool + "info /dev/stdin"}) {
+        const int status =
+            std::system(("cd \"" + folder.string() + "\"; (" + command + ") 2>stderr.txt").c_str());
+        const std::string error = readFile(folder / "stderr.txt");
+        EXPECT_EQ(WEXITSTATUS(status), 1) << command;
+        EXPECT_EQ(error.substr(0, 7), "error: ") << command << "\n" << error;
+        EXPECT_EQ(std::count(error.begin(), error.end(), '\n'), 1) << command << "\n" << error;
+    }
+    EXPECT_EQ(readFile(folder / "rendered.png"), "old");
+    for (const auto& entry : fs::directory_iterator(folder)) EXPECT_NE(entry.path().extension(), ".tmp");
 }
 #endif
 
