@@ -51,6 +51,7 @@ kv::Reference<Substance> createSubstance(PackageDesc* first, PackageDesc* second
     const kv::Reference<Substance> material(new Substance);
     stack = std::make_unique<PackageStackDesc>(first->graphs().front(), second->graphs().front(),
                                                SubstanceAir::ConnectionList());
+    if (stack->graphs().empty()) return {};
     SubstanceAir::instantiateGraphs(material->getGraphInstances(), *stack);
     fillMaterial(*material);
     material->setPackageDesc(stack.get(), first, second);

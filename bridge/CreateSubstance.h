@@ -1,27 +1,30 @@
-// Makes a material from two packages, one stacked on the other.
-//
-// Outputs of the first package's first graph (the bottom) feed the image inputs of the second package's first
-// graph (the top). The material gets an input for every number that the stacked graph takes, with default,
-// range, widget and combo items as its author described them; texts that make no sense leave a setting unset.
-// It gets no outputs: its texture comes from getTextureFromSubstance.
-//
-// An empty reference means that a package is missing or has no graph. Memory that is not to be had throws
-// std::bad_alloc.
-//
-// Threads: one call at a time in a process; packages are read through process-wide buffers.
+/// @file
+/// Makes a material from two packages, one stacked on the other.
+///
+/// Outputs of the first package's first graph (the bottom) feed the image inputs of the second package's
+/// first graph (the top). The material gets an input for every number that the stacked graph takes, with
+/// default, range, widget and combo items as its author described them; texts that make no sense leave a
+/// setting unset. It gets no outputs: its texture comes from getTextureFromSubstance.
+///
+/// An empty reference means that a package is missing or has no graph, or that connecting the two would tie
+/// more inputs to outputs than any material needs (4,000,000 pairs). Memory that is not to be had throws
+/// std::bad_alloc.
+///
+/// Threads: one call at a time in a process; packages are read through process-wide buffers.
 #pragma once
 
 #include "material/Substance.h"
 
 namespace kvSubstance {
 
-// The packages stay the caller's, outlive the material, and are never deleted by it. The stack that is made
-// of them is never deleted either: on purpose, it lives as long as the process.
+/// For callers that know the engine side. The packages stay the caller's, outlive the material, and are never
+/// deleted by it. The stack that is made of them is never deleted either: on purpose, it lives as long as the
+/// process.
 KVSUBSTANCE_API kv::Reference<Substance> createSubstance(SubstanceAir::PackageDesc* first,
                                                          SubstanceAir::PackageDesc* second);
 
-// From the bytes of two package files, which are not kept. Buffers of 2 GiB and more give an empty reference.
-// The packages live as long as the process when there is a material.
+/// From the bytes of two package files, which are not kept. Buffers of 2 GiB and more give an empty
+/// reference. The packages live as long as the process when there is a material.
 KVSUBSTANCE_API kv::Reference<Substance> createSubstance(const kv::vector<char>& first,
                                                          const kv::vector<char>& second);
 

@@ -43,8 +43,9 @@ PackageStackDesc::PackageStackDesc(const GraphDesc& bottomGraph, const GraphDesc
     , top(&topGraph) {
     if (!bottom->parent || !top->parent) return;
 
-    enterRegistry();
     connect();
+    if (hasTooManyDependencies(*bottom, *top, connectionPairs)) return;
+    enterRegistry();
     buildGraph(graphDescs.back());
 }
 

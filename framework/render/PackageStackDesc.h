@@ -21,8 +21,8 @@ struct ConnectionList {
 };
 
 // Built once, then only read. Registered with the renderer under a uid of its own while it lives. The two
-// graphs and their packages outlive it. When either graph belongs to no package the stack is empty, has uid
-// 0, and is not registered.
+// graphs and their packages outlive it. When either graph belongs to no package, or there would be too many
+// dependencies, the stack is empty, has uid 0, and is not registered.
 class PackageStackDesc final : public PackageDesc {
 public:
     PackageStackDesc(const GraphDesc& bottomGraph, const GraphDesc& topGraph,

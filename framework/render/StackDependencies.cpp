@@ -33,7 +33,37 @@ UidSet withFused(const UidSet& inputUids, const FusedUids& fused) {
     return result;
 }
 
+// How many uids stand for the one.
+using Counts = std::map<unsigned int, size_t>;
+
+size_t countReplacements(const UidList& uids, const Counts& counts) {
+    size_t sum = 0;
+    for (const unsigned int uid : uids) {
+        const auto count = counts.find(uid);
+        if (count != counts.end()) sum += count->second;
+    }
+    return sum;
+}
+
 } // namespace
+
+bool hasTooManyDependencies(const GraphDesc& bottom, const GraphDesc& top,
+                            const StackConnections& connections) {
+    Counts altered, altering;
+    size_t sum = 0;
+    for (const auto& [outputUid, inputUid] : connections) {
+        const InputDescBase* const input = findInput(top.inputs, inputUid);
+        const auto output = findOutput(bottom.outputs, outputUid);
+        const size_t numAltered = input ? input->alteredOutputUids.size() : 0;
+        const size_t numAltering = output != bottom.outputs.end() ? output->alteringInputUids.size() : 0;
+        altered[outputUid] += numAltered;
+        altering[inputUid] += numAltering;
+        sum += numAltered + numAltering;
+    }
+    for (const auto& input : bottom.inputs) sum += countReplacements(input->alteredOutputUids, altered);
+    for (const OutputDesc& output : top.outputs) sum += countReplacements(output.alteringInputUids, altering);
+    return sum > maxStackDependencies;
+}
 
 StackDependencies::StackDependencies(const GraphDesc& bottom, const GraphDesc& top,
                                      const StackConnections& connections) {

@@ -8,6 +8,14 @@
 
 namespace SubstanceAir {
 
+// A stack multiplies what its packages say: each input of the bottom alters what each output that it alters
+// goes on to alter. Far more than any material needs, and little enough to be listed in a moment.
+constexpr size_t maxStackDependencies = 4000000;
+
+// Whether more would have to be listed. Itself in proportion to the two descriptions.
+bool hasTooManyDependencies(const GraphDesc& bottom, const GraphDesc& top,
+                            const StackConnections& connections);
+
 // What lies beyond the connections.
 struct StackDependencies {
     StackDependencies(const GraphDesc& bottom, const GraphDesc& top, const StackConnections& connections);
