@@ -1,4 +1,5 @@
-// The host's base library, as this library uses it: counted references, strings, containers, signals.
+/// @file
+/// The host's base library, as this library uses it: counted references, strings, containers, signals.
 #pragma once
 
 #include "platform/base/Containers.h"

@@ -1,4 +1,5 @@
-// The host's image library, as this library uses it.
+/// @file
+/// The host's image library, as this library uses it.
 #pragma once
 
 #include "platform/image/Image.h"

@@ -1,4 +1,5 @@
-// Signals: lists of callbacks that an emitter walks, and that vanish with their receivers.
+/// @file
+/// Signals: lists of callbacks that an emitter walks, and that vanish with their receivers.
 #pragma once
 
 #include "platform/base/Export.h"
@@ -6,23 +7,26 @@
 #include <atomic>
 #include <memory>
 
+/// The host's base library: callbacks and signals.
 namespace kvRTB {
 
-// A callback without arguments.
+/// A callback without arguments.
 class KVBASE_API FunctionVoid {
 public:
     virtual ~FunctionVoid();
-    virtual FunctionVoid* clone() const = 0; // owned by the caller
-    virtual bool isBoundTo(const void* object) const = 0;
-    virtual void invoke() = 0;
+    virtual FunctionVoid* clone() const = 0;              ///< A copy, owned by the caller.
+    virtual bool isBoundTo(const void* object) const = 0; ///< Whether a call would reach that object.
+    virtual void invoke() = 0;                            ///< Calls. The emitter's thread does.
 };
 
-// A void member function without arguments, bound to an object that it does not own.
+/// A void member function without arguments, bound to an object that it does not own. The object outlives
+/// every connection of the callback: it names a signal of its own as the receiver (SignalBase::connect).
 template <class T>
 class FunctionVoidMember : public FunctionVoid {
 public:
-    using Member = void (T::*)();
+    using Member = void (T::*)(); ///< What it can call.
 
+    /// Neither is null.
     FunctionVoidMember(T* boundObject, Member boundMember)
         : object(boundObject)
         , member(boundMember) {}
@@ -35,34 +39,43 @@ private:
     Member member;
 };
 
-// One connection. Its lock is recursive: whoever edits in a callback may come round to the same connection.
+/// One connection. Its lock is recursive: whoever edits in a callback may come round to the same connection.
 class KVBASE_API SignalItem {
 public:
     virtual ~SignalItem();
+
+    /// @{
+    /// An emitter holds the lock while it looks at the marks and calls; the end of a connection waits for it,
+    /// so that no callback runs on another thread once its receiver is gone.
     virtual void lock() = 0;
     virtual void unlock() = 0;
-    virtual bool isBlocked() const = 0; // switched off for a while
-    virtual bool isRemoved() const = 0; // disconnected; the item only waits to be swept up
-    virtual void setBlocked(bool blocked) = 0;
-    virtual FunctionVoid& function() = 0;
+    /// @}
+    virtual bool isBlocked() const = 0;        ///< Switched off for a while.
+    virtual bool isRemoved() const = 0;        ///< Disconnected; the item only waits to be swept up.
+    virtual void setBlocked(bool blocked) = 0; ///< Switches the connection off or on. From any thread.
+    virtual FunctionVoid& function() = 0;      ///< The callback, which lives as long as the item.
 };
 
-// A list of connections, and at the same time the tracking object of a receiver: connections to callbacks of
-// an object name one of the object's own signals as their receiver and end when that signal dies.
-//
-// Connecting, walking and ending may happen inside a callback of the same signal. A connection that is made
-// during a walk is reached by it. Different threads may use different signals, receivers included.
+/// A list of connections, and at the same time the tracking object of a receiver: connections to callbacks of
+/// an object name one of the object's own signals as their receiver and end when that signal dies.
+///
+/// Connecting, walking and ending may happen inside a callback of the same signal. A connection that is made
+/// during a walk is reached by it. Different threads may use different signals, receivers included.
 class KVBASE_API SignalBase {
 public:
     SignalBase();
     SignalBase(const SignalBase&) = delete;
     SignalBase& operator=(const SignalBase&) = delete;
-    ~SignalBase(); // ends every connection of this signal, and every one that it receives
 
-    // Appends a connection. The callback is copied.
+    /// Ends every connection of this signal, and every one that it receives. A callback of one that runs on
+    /// another thread is waited for.
+    ~SignalBase();
+
+    /// Appends a connection, which lasts until this signal or the receiver dies. The callback is copied.
+    /// Connecting twice calls twice. Throws std::bad_alloc.
     void connect(const FunctionVoid& callback, SignalBase& receiver);
 
-    int numConnections() const; // those that have not ended
+    int numConnections() const; ///< Those that have not ended, blocked ones included.
 
 private:
     struct Connection;
@@ -74,17 +87,18 @@ private:
     std::atomic<bool> hasBody{false};
 };
 
-// A walk over a signal's connections in their order. It keeps the list and its items alive, whatever the
-// callbacks destroy, the signal included.
+/// A walk over a signal's connections in their order. It keeps the list and its items alive, whatever the
+/// callbacks destroy, the signal included.
 class KVBASE_API SignalWalk {
 public:
+    /// The signal has to live only until this returns.
     explicit SignalWalk(SignalBase& signal);
     SignalWalk(const SignalWalk&) = delete;
     SignalWalk& operator=(const SignalWalk&) = delete;
     ~SignalWalk();
 
-    SignalItem* first(); // null when there is none
-    SignalItem* next();  // the item after the one returned last
+    SignalItem* first(); ///< Null when there is none. Borrowed from the walk, as are those that follow.
+    SignalItem* next();  ///< The item after the one returned last; null behind the last one.
 
 private:
     std::shared_ptr<SignalBase::Body> body;
