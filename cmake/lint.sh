@@ -8,7 +8,8 @@ clang-format-14 --dry-run --Werror "${sources[@]}"
 echo "formatting: ${#sources[@]} files"
 
 # Each shipped header compiles on its own, in both language versions.
-mapfile -t shipped < <(git ls-files --cached --others --exclude-standard 'platform/*.h' 'material/*.h' 'bridge/*.h' |
+mapfile -t shipped < <(git ls-files --cached --others --exclude-standard 'platform/*.h' 'material/*.h' 'bridge/*.h' \
+    'conformance/*.h' |
     grep -v -x -F -f cmake/internal-headers.txt)
 for header in "${shipped[@]}"; do
     for standard in 17 20; do
@@ -20,6 +21,8 @@ for header in "${shipped[@]}"; do
     done
 done
 echo "shipped headers: ${#shipped[@]} compile on their own as C++17 and C++20"
+
+cmake/documentation/check.sh
 
 cmake --preset clang >build/configure.log 2>&1 || { cat build/configure.log >&2; exit 1; }
 cmake --build --preset clang --target generated_sources >/dev/null

@@ -63,7 +63,7 @@ TEST(CreateSubstance, InputsByTheirGui) {
         inputs += inputTag(identifier, each.type, "") + "><inputgui " + each.gui + "</inputgui></input>";
         expected += identifier + " " + each.hostType + " = 0,0,0,0 default 0,0,0,0" + each.expected + "\n";
     }
-    const std::string output = outputTag(recording::freshUids(1), "out");
+    const std::string output = outputTag(packages::freshUids(1), "out");
     const auto material = createSubstance(plainPackage(), packageOf("top", output, inputs));
     ASSERT_TRUE(material);
     const SubstanceAir::GraphDesc& graph = material->getPackageStackDesc()->graphs().at(0);

@@ -30,7 +30,7 @@ protected:
         const int codes[][2] = {{0, 17}, {1, 18}, {2, 19}, {3, 20}, {4, 33}, {8, 34}, {9, 35}, {10, 36}};
         std::string inputs = inputTag("picture", 5, "") + "/>";
         for (const auto& code : codes) inputs += inputTag("t" + std::to_string(code[1]), code[0], "") + "/>";
-        const unsigned int output = recording::freshUids(1);
+        const unsigned int output = packages::freshUids(1);
         inputs += inputTag("pick", 0, "0") + "alteroutputs='" + std::to_string(output) + "'/>";
         material = createSubstance(plainPackage(), packageOf("top", outputTag(output, "Output"), inputs));
     }

@@ -1,8 +1,8 @@
-// Packages that the recording linker takes apart.
+// Packages of one graph.
 #pragma once
 
 #include "bridge/Bridge.h"
-#include "tests/recording/Recording.h"
+#include "tests/Packages.h"
 
 #include <string>
 
@@ -10,7 +10,7 @@ namespace kvSubstance {
 
 // The start of an "input" element whose uid nobody else has.
 inline std::string inputTag(const std::string& identifier, int type, const std::string& defaultValue) {
-    return "<input uid='" + std::to_string(recording::freshUids(1)) + "' identifier='" + identifier +
+    return "<input uid='" + std::to_string(packages::freshUids(1)) + "' identifier='" + identifier +
            "' type='" + std::to_string(type) + "' default='" + defaultValue + "' ";
 }
 
@@ -22,8 +22,8 @@ inline std::string outputTag(unsigned int uid, const std::string& identifier, in
 // A package of one graph, with the "output" and "input" elements given.
 inline kv::vector<char> packageOf(const std::string& tag, const std::string& outputs,
                                   const std::string& inputs) {
-    const std::string bytes = recording::packageBytes(
-        "<sbsdescription asmuid='" + std::to_string(recording::freshUids(1)) +
+    const std::string bytes = packages::bytes(
+        "<sbsdescription asmuid='" + std::to_string(packages::freshUids(1)) +
             "'><graphs count='1'><graph pkgurl='pkg:/" + tag + "' label='" + tag + "'><outputs>" + outputs +
             "</outputs><inputs>" + inputs + "</inputs></graph></graphs></sbsdescription>",
         tag);
@@ -32,7 +32,7 @@ inline kv::vector<char> packageOf(const std::string& tag, const std::string& out
 
 // A bottom of one output without inputs.
 inline kv::vector<char> plainPackage() {
-    return packageOf("bottom", outputTag(recording::freshUids(1), "x"), "");
+    return packageOf("bottom", outputTag(packages::freshUids(1), "x"), "");
 }
 
 } // namespace kvSubstance

@@ -51,7 +51,11 @@ set(packages ${samples}/brick_wall.kvpkg ${samples}/moss_overgrowth.kvpkg)
 
 build(${EXAMPLES}/minimal_host)
 build(${EXAMPLES}/live_host)
+build(${EXAMPLES}/own_engine)
 build(${CMAKE_CURRENT_LIST_DIR}/consumer)
+foreach(program own_host judge_own_engine)
+    run_program(${program} ${EXAMPLES}/own_engine/stripes.xml ${EXAMPLES}/own_engine/varnish.xml)
+endforeach()
 
 # All forms of a host do the same, to the byte.
 run_program(minimal_host ${packages} first.pam)

@@ -24,6 +24,10 @@ std::string takeTrace() {
     return std::exchange(locked->session.trace, {});
 }
 
+bool isInsideDouble() {
+    return Inside::current;
+}
+
 void echoToStandardError() {
     Locked()->echo = true;
 }
@@ -52,8 +56,17 @@ std::string packageBytes(const std::string& descriptionXml, const std::string& t
     return "assembly:" + tag + "\n" + descriptionXml;
 }
 
-void fail(const std::string& function, unsigned int call) {
-    Locked()->session.failures[function] = call;
+std::string alive() {
+    const Locked locked;
+    std::string left;
+    for (const auto& object : locked->objects)
+        if (!object->released) left += "alive: " + name(object.get()) + "\n";
+    for (const auto& buffer : locked->buffers) left += "alive: " + bufferName(buffer.first) + "\n";
+    return left;
+}
+
+void fail(const std::string& function, unsigned int call, Failing how) {
+    Locked()->session.failures[function] = {call, how};
 }
 
 void setTexture(const Texture& texture) {

@@ -29,6 +29,9 @@ void reset();
 // The lines recorded since the last call, each with a line feed at its end.
 std::string takeTrace();
 
+// True while the calling thread is inside the double, and not in a callback of the library's.
+bool isInsideDouble();
+
 // From now on every line is also printed to standard error, up to the very end of the process.
 void echoToStandardError();
 
@@ -38,6 +41,7 @@ void echoToStandardError();
 // buffer.
 std::string misuses();
 unsigned int liveTextures(); // buffers handed out and not freed
+std::string alive();         // the same and all contexts and handles not released, one a line
 
 // ---- Packages
 
@@ -53,9 +57,11 @@ std::string packageBytes(const std::string& descriptionXml, const std::string& t
 
 // ---- Script of the engine
 
-// The call'th call from now of the function returns 7 and does nothing else, but for out-parameters set to
-// null and zero. A failing push of a package delivers nothing readable.
-void fail(const std::string& function, unsigned int call = 1);
+// The call'th call from now of the function, or all from that one on until reset(), returns 7 and does
+// nothing else, but for out-parameters set to null and zero. A failing push of a package delivers nothing
+// readable. What a release or a free was refused for counts as gone all the same: nobody may use it again.
+enum class Failing { Once, FromThere };
+void fail(const std::string& function, unsigned int call = 1, Failing how = Failing::Once);
 
 // What finished textures look like.
 struct Texture {
@@ -63,7 +69,7 @@ struct Texture {
     unsigned short height = 2;
     int format = -1; // -1: as the package says
     bool hasBuffer = true;
-    std::vector<unsigned char> pixels = {0}; // repeated to fill the buffer
+    std::vector<unsigned char> pixels = {0}; // repeated to fill the buffer; none: as text what was computed
 };
 void setTexture(const Texture& texture);
 

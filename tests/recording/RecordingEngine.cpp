@@ -40,11 +40,18 @@ std::string showValue(int type, const void* value) {
     return stream.str();
 }
 
+std::string allValues(const SubstanceHandle& handle) {
+    std::string all;
+    for (const auto& [index, value] : handle.values) all += (all.empty() ? "" : "; ") + value;
+    return all;
+}
+
 std::string indexName(unsigned int index, unsigned int uid) {
     return std::to_string(index) + ":" + uidName(uid);
 }
 
-SubstanceTexture makeTexture(const SubstanceHandle& handle, const EngineOutput& output) {
+SubstanceTexture makeTexture(const SubstanceHandle& handle, const EngineOutput& output,
+                             const std::string& computed) {
     const Texture& wanted = state().session.texture;
     SubstanceTexture texture{};
     texture.level0Width = wanted.width;
@@ -55,7 +62,9 @@ SubstanceTexture makeTexture(const SubstanceHandle& handle, const EngineOutput& 
 
     const size_t size = wanted.width * wanted.height * bytesPerPixel;
     auto* const pixels = new unsigned char[size];
-    for (size_t i = 0; i < size; ++i) pixels[i] = wanted.pixels[i % wanted.pixels.size()];
+    for (size_t i = 0; i < size; ++i)
+        pixels[i] = wanted.pixels.empty() ? static_cast<unsigned char>(i < computed.size() ? computed[i] : 0)
+                                          : wanted.pixels[i % wanted.pixels.size()];
     texture.buffer = pixels;
     state().buffers[pixels] = {handle.context, ++state().session.buffersMade};
     return texture;
@@ -65,11 +74,15 @@ SubstanceTexture makeTexture(const SubstanceHandle& handle, const EngineOutput& 
 
 void Start::report(const Report& finished) const {
     {
+        const Inside inside;
         const std::lock_guard<std::mutex> lock(state().mutex);
+        const auto& outputs = handle->program.outputs;
         record("outputCompleted(" + name(handle) + ", " +
-               indexName(finished.output, handle->program.outputs[finished.output].uid) + ", " +
-               name("job", finished.job) + ")");
+               (finished.output < outputs.size() ? indexName(finished.output, outputs[finished.output].uid)
+                                                 : std::to_string(finished.output) + ":unknown") +
+               ", " + name("job", finished.job) + ")");
     }
+    const Inside callsBack(false);
     handle->context->completed(handle, finished.output, finished.job);
 }
 
@@ -95,7 +108,7 @@ unsigned int substanceContextSetCallback(SubstanceContext* context, unsigned int
 }
 
 unsigned int substanceContextRelease(SubstanceContext* context) {
-    return Call(__func__, context).run([&] { context->released = true; });
+    return Call(__func__, context).release(context);
 }
 
 // A released context still takes its buffers back.
@@ -103,12 +116,15 @@ unsigned int substanceContextMemoryFree(SubstanceContext* context, void* buffer)
     Call call(__func__);
     call.print(name(context), bufferName(buffer));
     const auto found = state().buffers.find(buffer);
-    call.require(found != state().buffers.end() && found->second.context == context);
-    if (!call.ok()) misuse("substanceContextMemoryFree of " + bufferName(buffer));
-    return call.run([&] {
+    const bool isOurs = found != state().buffers.end() && found->second.context == context;
+    call.require(isOurs);
+    if (isOurs) {
         state().buffers.erase(found);
         delete[] static_cast<unsigned char*>(buffer);
-    });
+    } else {
+        misuse("substanceContextMemoryFree of " + bufferName(buffer));
+    }
+    return call.end();
 }
 
 unsigned int substanceHandleInit(SubstanceHandle** handle, SubstanceContext* context,
@@ -145,9 +161,11 @@ unsigned int substanceHandleGetInputDesc(SubstanceHandle* handle, unsigned int i
 unsigned int substanceHandleGetOutputDesc(SubstanceHandle* handle, unsigned int index,
                                           SubstanceOutputDesc* desc) {
     *desc = {};
-    return Call(__func__, handle, index).run([&] {
-        const EngineOutput& output = handle->program.outputs.at(index);
-        *desc = {output.uid, output.format};
+    Call call(__func__, handle, index);
+    return call.run([&] {
+        const auto& outputs = handle->program.outputs;
+        call.require(index < outputs.size());
+        if (call.ok()) *desc = {outputs[index].uid, outputs[index].format};
     });
 }
 
@@ -157,8 +175,10 @@ unsigned int substanceHandleGetOutputs(SubstanceHandle* handle, unsigned int fla
     Call call(__func__, handle, flags, outputIndex, count);
     call.require(flags == 0 && count == 1);
     return call.run([&] {
-        call.require(handle->computed.erase(outputIndex) > 0);
-        if (call.ok()) *texture = makeTexture(*handle, handle->program.outputs.at(outputIndex));
+        const auto computed = handle->computed.extract(outputIndex);
+        call.require(!computed.empty());
+        if (call.ok())
+            *texture = makeTexture(*handle, handle->program.outputs.at(outputIndex), computed.mapped());
         call.print(bufferName(texture->buffer));
     });
 }
@@ -174,6 +194,8 @@ unsigned int substanceHandlePushSetInput(SubstanceHandle* handle, unsigned int f
         const EngineInput& input = handle->program.inputs.at(inputIndex);
         call.require(input.type == type && (value || type == SubstanceInputImage));
         const std::string shown = call.ok() ? showValue(type, value) : "unread";
+        if (flags == SubstancePushInput && call.ok())
+            handle->values[inputIndex] = uidName(input.uid) + " " + shown;
         call.print(indexName(inputIndex, input.uid), shown, reserved);
     });
 }
@@ -189,8 +211,10 @@ unsigned int substanceHandlePushOutputs(SubstanceHandle* handle, unsigned int fl
         call.print("{" + names + "}", count, name("job", jobUserData));
         const auto& outputs = handle->program.outputs;
         for (unsigned int index = 0; flags == SubstancePushOutputUids && index < outputs.size(); ++index)
-            if (std::find(outputUids, outputUids + count, outputs[index].uid) != outputUids + count)
+            if (std::find(outputUids, outputUids + count, outputs[index].uid) != outputUids + count) {
                 handle->queue.push_back({index, jobUserData});
+                handle->asked[index] = uidName(outputs[index].uid) + " of " + allValues(*handle);
+            }
     });
 }
 
@@ -199,9 +223,9 @@ unsigned int substanceHandleStart(SubstanceHandle* handle, unsigned int flags) {
     Start start{handle, {}};
     start.reports.swap(handle->queue);
     handle->computed.clear();
+    handle->asked.swap(handle->computed);
     std::function<unsigned int(const Start&)> script;
     const unsigned int failure = call.run([&] {
-        for (const Report& each : start.reports) handle->computed.insert(each.output);
         handle->starting = true;
         script.swap(state().session.onStart);
     });
@@ -215,7 +239,7 @@ unsigned int substanceHandleStart(SubstanceHandle* handle, unsigned int flags) {
 }
 
 unsigned int substanceHandleRelease(SubstanceHandle* handle) {
-    return Call(__func__, handle).run([&] { handle->released = true; });
+    return Call(__func__, handle).release(handle);
 }
 
 } // extern "C"

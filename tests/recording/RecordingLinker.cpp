@@ -76,13 +76,10 @@ unsigned int substanceLinkerContextSetCallback(SubstanceLinkerContext* context, 
 }
 
 unsigned int substanceLinkerContextRelease(SubstanceLinkerContext* context) {
-    return Call(__func__, context).run([&] {
-        context->released = true;
-        for (const auto& object : state().objects) {
-            auto* const handle = dynamic_cast<SubstanceLinkerHandle*>(object.get());
-            if (handle && handle->context == context) handle->released = true;
-        }
-    });
+    Call call(__func__, context);
+    if (context)
+        for (SubstanceLinkerHandle* const handle : context->handles) handle->released = true;
+    return call.release(context);
 }
 
 unsigned int substanceLinkerHandleInit(SubstanceLinkerHandle** handle, SubstanceLinkerContext* context) {
@@ -90,12 +87,16 @@ unsigned int substanceLinkerHandleInit(SubstanceLinkerHandle** handle, Substance
     call.require(isAlive(context));
     *handle = call.create<SubstanceLinkerHandle>();
     call.print(*handle, context);
-    return call.run([&] { (*handle)->context = context; });
+    return call.run([&] {
+        (*handle)->context = context;
+        context->handles.push_back(*handle);
+    });
 }
 
 unsigned int substanceLinkerHandlePushAssemblyMemory(SubstanceLinkerHandle* handle, const void* data,
                                                      size_t size) {
-    Call call(__func__, handle, firstLine(data, size), size);
+    Call call(__func__, handle);
+    call.print(firstLine(data, size), size);
     if (!handle) return call.end();
 
     std::string assembly, description;
@@ -115,6 +116,7 @@ unsigned int substanceLinkerHandlePushAssemblyMemory(SubstanceLinkerHandle* hand
     const unsigned int status = call.end();
 
     const auto* const bytes = reinterpret_cast<const unsigned char*>(assembly.data());
+    const Inside callsBack(false);
     context.text(handle, index, description.c_str());
     context.bytes(handle, index, bytes, assembly.size());
     return status;
@@ -164,10 +166,9 @@ unsigned int substanceLinkerHandleLink(SubstanceLinkerHandle* handle, const unsi
 }
 
 unsigned int substanceLinkerHandleRelease(SubstanceLinkerHandle* handle) {
-    return Call(__func__, handle).run([&] {
-        handle->released = true;
-        std::string().swap(handle->linked); // who still reads it reads freed memory
-    });
+    Call call(__func__, handle);
+    if (handle) std::string().swap(handle->linked); // who still reads it reads freed memory
+    return call.release(handle);
 }
 
 } // extern "C"

@@ -12,10 +12,7 @@ namespace {
 // library and of the tests.
 struct ExitCheck {
     ~ExitCheck() {
-        std::string left = misuses();
-        for (const auto& object : state().objects)
-            if (!object->released) left += "alive: " + name(object.get()) + "\n";
-        for (const auto& buffer : state().buffers) left += "alive: " + bufferName(buffer.first) + "\n";
+        const std::string left = misuses() + alive();
         if (left.empty()) return;
         std::fprintf(stderr, "not released, or misused, at the end of the process:\n%s", left.c_str());
         std::_Exit(1);
@@ -30,6 +27,8 @@ __attribute__((init_priority(101))) ExitCheck exitCheck;
 #endif
 
 } // namespace
+
+thread_local bool Inside::current = false;
 
 State& state() {
     static State* const instance = new State;
@@ -80,8 +79,10 @@ std::string firstLine(const void* data, size_t size) {
 }
 
 unsigned int Call::takeFailure() const {
-    unsigned int& callsToGo = state().session.failures[function];
-    return callsToGo > 0 && --callsToGo == 0 ? 7 : 0;
+    auto& [callsToGo, how] = state().session.failures[function];
+    if (callsToGo == 0 || --callsToGo > 0) return 0;
+    if (how == Failing::FromThere) callsToGo = 1;
+    return 7;
 }
 
 std::string Call::useObject(const Object* object) {

@@ -7,7 +7,6 @@
 #include <map>
 #include <memory>
 #include <mutex>
-#include <set>
 #include <string>
 #include <thread>
 #include <type_traits>
@@ -48,6 +47,7 @@ struct SubstanceLinkerContext_ : recording::Object {
     const char* kind() const override { return "linker"; }
     SubstanceLinkerTextCallback text = [](auto*, unsigned int, const char*) {};
     SubstanceLinkerBytesCallback bytes = [](auto*, unsigned int, const unsigned char*, size_t) {};
+    std::vector<SubstanceLinkerHandle*> handles;
 };
 
 struct SubstanceLinkerHandle_ : recording::Object {
@@ -70,7 +70,9 @@ struct SubstanceHandle_ : recording::Object {
     SubstanceContext* context = nullptr;
     recording::Program program;
     std::vector<recording::Report> queue;
-    std::set<unsigned int> computed; // output indices with a texture to fetch
+    std::map<unsigned int, std::string> values;   // as shown, by input index
+    std::map<unsigned int, std::string> asked;    // what each output is to be computed from, by output index
+    std::map<unsigned int, std::string> computed; // textures to fetch
 };
 
 namespace recording {
@@ -82,7 +84,7 @@ struct Session {
     std::map<std::string, std::map<const void*, unsigned int>> numbers; // of objects, by kind
     unsigned int buffersMade = 0;
 
-    std::map<std::string, unsigned int> failures; // calls to go, by function
+    std::map<std::string, std::pair<unsigned int, Failing>> failures; // calls to go, by function
     Texture texture;
     std::function<unsigned int(const Start&)> onStart;
 };
@@ -122,6 +124,21 @@ struct Uid {
     unsigned int value;
 };
 
+// For isInsideDouble: marks the thread, or with false takes the mark off for the time of a callback.
+class Inside {
+public:
+    explicit Inside(bool isInside = true)
+        : before(std::exchange(current, isInside)) {}
+    Inside(const Inside&) = delete;
+    Inside& operator=(const Inside&) = delete;
+    ~Inside() { current = before; }
+
+    static thread_local bool current;
+
+private:
+    const bool before;
+};
+
 // One call of the library's while it is carried out, with the mutex held.
 class Call {
 public:
@@ -152,6 +169,12 @@ public:
     }
     bool ok() const { return status == 0; }
 
+    // Ends what the call releases, unless that was gone before.
+    unsigned int release(Object* object) {
+        if (isAlive(object)) object->released = true;
+        return end();
+    }
+
     // Does what the call does, unless it fails. An index out of range ends the process.
     template <class Body>
     unsigned int run(const Body& body) {
@@ -177,6 +200,7 @@ private:
     std::string useObject(const Object* object);
     unsigned int takeFailure() const;
 
+    const Inside inside;
     std::unique_lock<std::mutex> lock;
     const std::string function;
     std::string arguments;

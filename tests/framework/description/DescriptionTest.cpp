@@ -24,6 +24,24 @@ std::string printInput(const std::string& xml, std::vector<OutputDesc> outputs =
 
 } // namespace
 
+TEST(InputParser, GuisPrintAsTinyXmlPrintsThem) {
+    for (const char* const gui :
+         {"<inputgui/>",
+          "<inputgui label='Tint' widget=\"color\"><guicolor clamp='on'/><a><b/></a></inputgui>",
+          "<inputgui a='&amp;&lt;&gt;&quot;&apos;' b='\"' c='&#x1;\xC3\xA4' \xC3\xA4=''> <a/> </inputgui>",
+          "<inputgui>a &amp; b</inputgui>", "<inputgui><a/>mixed<b>c</b></inputgui>",
+          "<inputgui><!-- - --><a><![CDATA[<]]></a><?b c?><!d></inputgui>"}) {
+        const std::string xml = "<input type='0'>" + std::string(gui) + "</input>";
+        const auto document = support::parseXmlDocument(xml.c_str(), TIXML_ENCODING_UTF8);
+        ASSERT_TRUE(document) << gui;
+        TiXmlPrinter printer;
+        printer.SetStreamPrinting();
+        document->RootElement()->FirstChild()->Accept(&printer);
+        std::vector<OutputDesc> outputs;
+        EXPECT_EQ(parseInput(*document->RootElement(), outputs)->guiXml, printer.Str());
+    }
+}
+
 TEST(InputParser, Values) {
     const struct {
         std::string type, value, zero;

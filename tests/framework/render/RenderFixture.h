@@ -7,7 +7,7 @@
 #include "framework/render/RenderThread.h"
 #include "framework/render/Renderer.h"
 #include "framework/render/RendererAccess.h"
-#include "tests/recording/Recording.h"
+#include "tests/Packages.h"
 
 #include <gtest/gtest.h>
 
@@ -29,8 +29,7 @@ public:
 
 private:
     static PackageDesc load(const std::string& tag) {
-        const std::string bytes =
-            recording::packageBytes(recording::withFreshUids(R"(<sbsdescription asmuid='#0'>
+        const std::string bytes = packages::bytes(packages::withFreshUids(R"(<sbsdescription asmuid='#0'>
             <graphs count='1'><graph pkgurl='pkg://test'><outputs count='2'>
                 <output uid='#1' identifier='Output' format='0' mipmaps='1'/>
                 <output uid='#2' identifier='height' format='32' mipmaps='0'/>
@@ -39,7 +38,7 @@ private:
                 <input uid='#4' identifier='amount' type='0' default='0.5' alteroutputs='#1'/>
                 <input uid='#3' identifier='picture' type='5' alteroutputs='#1,#2'/>
             </inputs></graph></graphs></sbsdescription>)"),
-                                    tag);
+                                                  tag);
         return PackageDesc(bytes.data(), bytes.size(), nullptr);
     }
 };
@@ -104,12 +103,9 @@ protected:
             TestGraph first(warmup);
             render({&first});
         }
-        recording::reset();
+        packages::beginTest();
     }
-    void TearDown() override {
-        EXPECT_EQ(recording::misuses(), "");
-        EXPECT_EQ(recording::liveTextures(), 0u);
-    }
+    void TearDown() override { EXPECT_EQ(packages::faults(), ""); }
 
     const TestPackage package{"p"};
     TestGraph graph{package};

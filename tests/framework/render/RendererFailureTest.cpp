@@ -1,5 +1,6 @@
 // What the renderer does when the linker or the engine fails, or calls back in unusual ways.
 #include "tests/framework/render/RenderFixture.h"
+#include "tests/recording/Recording.h"
 
 #include <thread>
 

@@ -1,5 +1,6 @@
 // What the renderer pushes, and when, as long as all goes well.
 #include "tests/framework/render/RenderFixture.h"
+#include "tests/recording/Recording.h"
 
 #include <boost/make_shared.hpp>
 
