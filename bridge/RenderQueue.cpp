@@ -1,7 +1,6 @@
 #include "bridge/RenderQueue.h"
 
 #include "framework/render/GraphInstance.h"
-#include "framework/render/RenderThread.h"
 #include "framework/render/Renderer.h"
 #include "framework/render/RendererAccess.h"
 
@@ -39,7 +38,7 @@ bool RenderQueue::handOver() {
 
 void RenderQueue::run() {
     if (!handOver()) return;
-    SubstanceAir::requestRender();
+    SubstanceAir::requestLastRender();
     SubstanceAir::waitRenderDone();
 }
 

@@ -3,35 +3,94 @@
 #include "material/Substance.h"
 #include "support/Numbers.h"
 
+#include <array>
+#include <charconv>
+#include <cstring>
 #include <string>
+#include <string_view>
 
 namespace kvSubstance {
 
 namespace {
 
-// The field at a place of a line, an empty text when the line has fewer.
-const char* field(const kv::vector<kvString::CString>& fields, size_t place) {
-    return place < fields.size() ? fields[place].asChar() : "";
+constexpr size_t LongestLine = 16 + 4 * (1 + support::longestFixedText); // uid, kind, line feed; the values
+constexpr size_t UsualLine = 32;
+
+// How many numbers a line gives for an input of the type.
+size_t numbersIn(Type type) {
+    const int announced = type & 7;
+    return announced >= 2 && announced <= 4 ? static_cast<size_t>(announced) : 1;
+}
+
+// What the line of an input is made of.
+struct LineContent {
+    unsigned int uid;
+    Type type;
+    SubstanceInput::IntOrFloat value;
+};
+
+template <class T>
+std::array<T, 4> slotsOf(const SubstanceInput::IntOrFloat& value) {
+    std::array<T, 4> slots;
+    static_assert(sizeof slots == sizeof value, "four slots");
+    std::memcpy(slots.data(), &value, sizeof slots);
+    return slots;
+}
+
+char* writeNumber(char* place, int number) {
+    return std::to_chars(place, place + LongestLine, number).ptr;
+}
+char* writeNumber(char* place, float number) {
+    return support::writeFixed(place, number);
+}
+
+template <class T>
+char* writeNumbers(char* place, const LineContent& content) {
+    const std::array<T, 4> slots = slotsOf<T>(content.value);
+    for (size_t k = 0; k < numbersIn(content.type); ++k) {
+        *place++ = ' ';
+        place = writeNumber(place, slots[k]);
+    }
+    return place;
 }
 
 // The "d" behind the uid belongs to the format: saved documents have it.
-std::string valueLine(const SubstanceInput& input) {
-    const Type type = input.getType();
-    const bool holdsInts = (type & 0x20) != 0;
-    if (!holdsInts && !(type & 0x10)) return {};
-    const int announced = type & 7;
-    const int count = announced >= 2 && announced <= 4 ? announced : 1;
-    std::string line =
-        std::to_string(input.getUID()) + "d " + (holdsInts ? 'i' : 'f') + std::to_string(count);
-    for (int k = 0; k < count; ++k) {
-        line += ' ';
-        line += holdsInts ? std::to_string(input.getValueI(k)) : support::toFixedText(input.getValueF(k));
-    }
-    return line + '\n';
+void appendLine(std::string& state, const LineContent& content) {
+    const bool holdsInts = (content.type & 0x20) != 0;
+    if (!holdsInts && !(content.type & 0x10)) return;
+    std::array<char, LongestLine> line;
+    char* place = std::to_chars(line.data(), line.data() + line.size(), content.uid).ptr;
+    *place++ = 'd';
+    *place++ = ' ';
+    *place++ = holdsInts ? 'i' : 'f';
+    *place++ = static_cast<char>('0' + numbersIn(content.type));
+    place = holdsInts ? writeNumbers<int>(place, content) : writeNumbers<float>(place, content);
+    *place++ = '\n';
+    state.append(line.data(), static_cast<size_t>(place - line.data()));
 }
 
-void applyInts(SubstanceInput& input, int count, const kv::vector<kvString::CString>& fields) {
-    const auto number = [&fields](size_t place) { return support::leadingInteger(field(fields, place)); };
+std::string_view viewOf(const kvString::CString& text) {
+    return {text.asChar(), text.length()};
+}
+
+// Cuts the piece before the first separator off, with the separator; without one, all of it.
+std::string_view takePiece(std::string_view& text, char separator) {
+    const std::string_view piece = text.substr(0, text.find(separator));
+    text.remove_prefix(piece.size() < text.size() ? piece.size() + 1 : piece.size());
+    return piece;
+}
+
+// The pieces of a line between blanks, as many as a line can need: uid, kind, values. Missing ones are empty.
+using Fields = std::array<std::string_view, 6>;
+
+Fields fieldsOf(std::string_view line) {
+    Fields fields;
+    for (std::string_view& field : fields) field = takePiece(line, ' ');
+    return fields;
+}
+
+void applyInts(SubstanceInput& input, int count, const Fields& fields) {
+    const auto number = [&fields](size_t place) { return support::leadingInteger(fields[place]); };
     switch (count) {
     case 2:
         return input.setValue2I(number(2), number(3));
@@ -44,8 +103,8 @@ void applyInts(SubstanceInput& input, int count, const kv::vector<kvString::CStr
     }
 }
 
-void applyFloats(SubstanceInput& input, int count, const kv::vector<kvString::CString>& fields) {
-    const auto number = [&fields](size_t place) { return support::leadingFloat(field(fields, place)); };
+void applyFloats(SubstanceInput& input, int count, const Fields& fields) {
+    const auto number = [&fields](size_t place) { return support::leadingFloat(fields[place]); };
     switch (count) {
     case 2:
         return input.setValue2F(number(2), number(3));
@@ -59,33 +118,50 @@ void applyFloats(SubstanceInput& input, int count, const kv::vector<kvString::CS
 }
 
 // The line's kind chooses the setter, whatever the input's type: on purpose, a document means what it says.
-void applyLine(const kv::Reference<Substance>& material, const kvString::CString& line) {
-    const kv::vector<kvString::CString> fields = kvUtil::split(line, ' ', true, false);
-    const unsigned int uid = support::leadingUnsigned(field(fields, 0));
+void applyLine(const kv::Reference<Substance>& material, std::string_view line) {
+    const Fields fields = fieldsOf(line);
+    const unsigned int uid = support::leadingUnsigned(fields[0]);
     const kv::Reference<SubstanceInput> input(dynamic_cast<SubstanceInput*>(material->getEntity(uid)));
     if (!input) return;
-    const char* const kind = field(fields, 1);
-    const int count = kind[0] ? kind[1] - '0' : 0;
-    if (kind[0] == 'i') applyInts(*input, count, fields);
-    if (kind[0] == 'f') applyFloats(*input, count, fields);
+    const char kind = fields[1].empty() ? '\0' : fields[1][0];
+    const int count = fields[1].size() > 1 ? fields[1][1] - '0' : 0;
+    if (kind == 'i') applyInts(*input, count, fields);
+    if (kind == 'f') applyFloats(*input, count, fields);
     syncValueFromSubstanceInputToInputInstanceBase(material, input.get());
 }
 
 } // namespace
 
+// The values of a few inputs are gathered before their lines are written: what is fetched from memory for one
+// input then overlaps with what is fetched for the next, which in large materials takes longer than the
+// writing.
 kvString::CString Substance::getStateString() const {
-    std::string state = packageURL.asChar();
+    std::string state;
+    state.reserve(packageURL.length() + 1 + UsualLine * static_cast<size_t>(inputs.count()));
+    state += packageURL.asChar();
     state += '\n';
-    for (const auto& item : inputs) state += valueLine(*item.value);
+    std::array<LineContent, 16> contents;
+    for (auto item = inputs.begin(); item != inputs.end();) {
+        size_t gathered = 0;
+        for (; gathered < contents.size() && item != inputs.end(); ++item) {
+            const SubstanceInput& input = *item->value;
+            contents[gathered++] = {input.getUID(), input.type, input.value};
+        }
+        for (size_t k = 0; k < gathered; ++k) appendLine(state, contents[k]);
+    }
     return kvString::CString(state.data(), state.size());
 }
 
+// Pieces are cut as kvUtil::split cuts them that keeps empty ones and trims none, but without a copy of each.
+// The whole text is copied, because a listener may change or drop the string that it came in.
 void Substance::applyStateString(const kvString::CString& state) {
     const kv::Reference<Substance> keep(this);
-    const kv::vector<kvString::CString> lines = kvUtil::split(state, '\n', true, false);
-    if (lines.empty() || lines.front() != packageURL) return;
-    for (size_t place = 1; place < lines.size(); ++place) {
-        if (!lines[place].empty()) applyLine(keep, lines[place]);
+    const std::string copy(viewOf(state));
+    std::string_view rest = copy;
+    if (rest.empty() || takePiece(rest, '\n') != viewOf(packageURL)) return;
+    while (!rest.empty()) {
+        const std::string_view line = takePiece(rest, '\n');
+        if (!line.empty()) applyLine(keep, line);
     }
 }
 

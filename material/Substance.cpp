@@ -16,13 +16,21 @@ void Substance::listenTo(SubstanceEntity& entity) {
     entity.getModifiedSignal().connect(callback, getReceiver());
 }
 
+// Whatever needs memory comes first, so that a material that runs out of it is as it was: but for a uid that
+// stands for no entity, which nobody sees.
 SubstanceInput* Substance::newInput(unsigned int inputUid, const kvString::CString& inputIdentifier,
                                     Type type) {
     const kv::Reference<SubstanceInput> input(new SubstanceInput(this, inputUid, inputIdentifier, type));
-    inputs.getOrInsert(inputIdentifier) = input;
-    entities.getOrInsert(inputUid) = input;
-    inputIds.push_back(input->getIdentifier()); // the caller's may have died with the input that was replaced
     listenTo(*input);
+    kv::Reference<SubstanceEntity>& byUid = entities.getOrInsert(inputUid);
+    inputIds.push_back(input->getIdentifier()); // the caller's may be among these, or die below
+    try {
+        inputs.getOrInsert(input->getIdentifier()) = input;
+    } catch (...) {
+        inputIds.pop_back();
+        throw;
+    }
+    byUid = input;
     return input.get();
 }
 
@@ -30,9 +38,10 @@ SubstanceOutput* Substance::newOutput(unsigned int outputUid, const kvString::CS
                                       Format format, int xSize, int ySize, int numMipMaps, bool dynamicSize) {
     const kv::Reference<SubstanceOutput> output(new SubstanceOutput(this, outputUid, outputIdentifier, format,
                                                                     xSize, ySize, numMipMaps, dynamicSize));
-    outputs.getOrInsert(outputIdentifier) = output;
-    entities.getOrInsert(outputUid) = output;
     listenTo(*output);
+    kv::Reference<SubstanceEntity>& byUid = entities.getOrInsert(outputUid);
+    outputs.getOrInsert(outputIdentifier) = output;
+    byUid = output;
     return output.get();
 }
 
@@ -59,7 +68,8 @@ void Substance::reset() {
 }
 
 void Substance::clearModified() {
-    for (const auto& item : entities) item.value->clearModified();
+    for (const auto& item : entities)
+        if (item.value) item.value->clearModified();
     SubstanceEntity::clearModified();
 }
 

@@ -1,5 +1,6 @@
 #include "support/GuardedXml.h"
 
+#include <array>
 #include <cstring>
 #include <string>
 
@@ -10,16 +11,43 @@ namespace {
 // A broken UTF-8 character makes TinyXML step over up to three bytes behind the text.
 constexpr size_t zerosBehindText = 8;
 
-std::string guardedCopy(const char* text) {
-    std::string copy(text);
-    copy += '\n';
-    copy.append(zerosBehindText, '\0');
-    return copy;
+bool beginsName(char c) {
+    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_';
+}
+
+constexpr std::array<bool, 256> nameCharacters() {
+    std::array<bool, 256> allowed{};
+    for (size_t c = 'a'; c <= 'z'; ++c) allowed[c] = true;
+    for (size_t c = 'A'; c <= 'Z'; ++c) allowed[c] = true;
+    for (size_t c = '0'; c <= '9'; ++c) allowed[c] = true;
+    for (const char c : {'_', '-', '.', ':'}) allowed[static_cast<unsigned char>(c)] = true;
+    return allowed;
+}
+
+bool continuesName(char c) {
+    static constexpr std::array<bool, 256> allowed = nameCharacters();
+    return allowed[static_cast<unsigned char>(c)];
+}
+
+// Characters that mean the same in any encoding and begin nothing longer.
+bool isPlainInValue(char c) {
+    return c > ' ' && c < 0x7F && c != '&' && c != '"' && c != '\'';
+}
+
+// The end of the name at a place, which reads the same in any encoding. Null for one that does not begin in
+// ASCII or goes on outside of it.
+const char* plainNameEnd(const char* place) {
+    if (!beginsName(*place)) return nullptr;
+    while (continuesName(*place)) ++place;
+    return static_cast<unsigned char>(*place) < 0x7F ? place : nullptr;
 }
 
 // Walks a text the way TinyXML's parser does, with the same readers (they are protected, hence the base), so
 // that the two never see different structures. But it builds no tree and does not recurse. Where TinyXML
 // would stop with an error, the walk may stop or go on: the text is not accepted either way.
+//
+// TinyXML's readers keep what they read, which takes nearly as long as the parse. Ordinary tags, whose end is
+// beyond doubt, are therefore stepped over by short cuts of the walk's own.
 class StructureScan : private TiXmlElement {
 public:
     explicit StructureScan(TiXmlEncoding assumedEncoding)
@@ -30,13 +58,13 @@ public:
         if (encoding == TIXML_ENCODING_UNKNOWN && std::strncmp(text, "\xEF\xBB\xBF", 3) == 0) {
             encoding = TIXML_ENCODING_UTF8;
         }
-        const char* place = SkipWhiteSpace(text, encoding);
+        const char* place = skipBlanks(text);
         while (place && *place && isWithinLimits && (depth > 0 || *place == '<')) place = readNext(place);
         return isWithinLimits;
     }
 
     bool isElementWithinLimits(const char* text) {
-        const char* place = SkipWhiteSpace(text, encoding);
+        const char* place = skipBlanks(text);
         if (place && *place == '<') place = readStartTag(place);
         while (place && *place && isWithinLimits && depth > 0) place = readNext(place);
         return isWithinLimits;
@@ -50,7 +78,9 @@ public:
 private:
     // Each reader returns the place behind what it read, or null after an error.
     const char* readNext(const char* place) {
-        if (*place != '<') {
+        if (*place == '<' && beginsName(place[1])) {
+            place = readStartTag(place);
+        } else if (*place != '<') {
             TiXmlText characters("");
             place = characters.Parse(place, nullptr, encoding);
         } else if (depth > 0 && place[1] == '/') {
@@ -58,7 +88,13 @@ private:
         } else {
             place = readNode(place);
         }
-        return SkipWhiteSpace(place, encoding);
+        return skipBlanks(place);
+    }
+
+    const char* skipBlanks(const char* place) const {
+        if (!place) return nullptr;
+        while (*place == ' ' || *place == '\n' || *place == '\t' || *place == '\r') ++place;
+        return *place > ' ' && *place < 0x7F ? place : SkipWhiteSpace(place, encoding);
     }
 
     const char* readNode(const char* place) {
@@ -74,22 +110,60 @@ private:
 
     const char* readStartTag(const char* place) {
         isWithinLimits = depth < maxXmlDepth;
-        std::string name;
-        place = SkipWhiteSpace(place + 1, encoding);
-        if (place) place = ReadName(place, &name, encoding);
+        place = readTagName(skipBlanks(place + 1));
         for (int attributes = 0; isWithinLimits; ++attributes) {
-            place = SkipWhiteSpace(place, encoding);
+            place = skipBlanks(place);
             if (!place || !*place) return nullptr;
             if (*place == '/') return place[1] == '>' ? place + 2 : nullptr;
             if (*place == '>') {
                 ++depth;
                 return place + 1;
             }
-            TiXmlAttribute attribute;
-            place = attribute.Parse(place, nullptr, encoding);
+            place = readAttribute(place);
             isWithinLimits = attributes < maxXmlAttributes;
         }
         return nullptr;
+    }
+
+    const char* readTagName(const char* place) const {
+        if (!place) return nullptr;
+        if (const char* const end = plainNameEnd(place)) return end;
+        std::string name;
+        return ReadName(place, &name, encoding);
+    }
+
+    const char* readAttribute(const char* place) const {
+        if (const char* const end = plainAttributeEnd(place)) return end;
+        TiXmlAttribute attribute;
+        return attribute.Parse(place, nullptr, encoding);
+    }
+
+    // Null for an attribute that is not a plain name with a quoted value, or whose value holds what is left
+    // to TinyXML: the end of the text, and entities for numbers, which may reach further than they seem to.
+    const char* plainAttributeEnd(const char* place) const {
+        place = plainNameEnd(place);
+        if (place) place = skipBlanks(place);
+        if (!place || *place != '=') return nullptr;
+        place = skipBlanks(place + 1);
+        if (!place || (*place != '"' && *place != '\'')) return nullptr;
+        const char quote = *place++;
+        while (*place != quote) {
+            if (isPlainInValue(*place)) {
+                ++place;
+                continue;
+            }
+            const int length = encoding == TIXML_ENCODING_UTF8 ? utf8Length(*place) : 1;
+            if (length == 0 || !*place || (*place == '&' && place[1] == '#')) return nullptr;
+            for (int k = 1; k < length; ++k)
+                if (!place[k]) return nullptr;
+            place += length;
+        }
+        return place + 1;
+    }
+
+    static int utf8Length(char lead) {
+        const auto byte = static_cast<unsigned char>(lead);
+        return byte < 0x80 ? 1 : utf8ByteTable[byte];
     }
 
     // TinyXML accepts nothing but the name and blanks before the bracket.
@@ -112,23 +186,33 @@ private:
 
 } // namespace
 
+GuardedText::GuardedText(const char* text) {
+    const size_t length = text ? std::strlen(text) : 0;
+    copy.reserve(length + 1 + zerosBehindText);
+    copy.append(text ? text : "", length);
+    copy += '\n';
+    copy.append(zerosBehindText, '\0');
+}
+
 std::unique_ptr<TiXmlDocument> parseXmlDocument(const char* text, TiXmlEncoding encoding) {
-    if (!text) return nullptr;
-    if (StructureScan::beginsWithDeclaration(text)) encoding = TIXML_ENCODING_UNKNOWN;
-    const std::string copy = guardedCopy(text);
-    if (!StructureScan(encoding).isDocumentWithinLimits(copy.c_str())) return nullptr;
+    return text ? parseXmlDocument(GuardedText(text), encoding) : nullptr;
+}
+
+std::unique_ptr<TiXmlDocument> parseXmlDocument(const GuardedText& text, TiXmlEncoding encoding) {
+    if (StructureScan::beginsWithDeclaration(text.c_str())) encoding = TIXML_ENCODING_UNKNOWN;
+    if (!StructureScan(encoding).isDocumentWithinLimits(text.c_str())) return nullptr;
     auto document = std::make_unique<TiXmlDocument>();
     document->SetTabSize(0);
-    if (!document->Parse(copy.c_str(), nullptr, encoding) || document->Error()) return nullptr;
+    if (!document->Parse(text.c_str(), nullptr, encoding) || document->Error()) return nullptr;
     return document;
 }
 
 bool parseXmlElement(const char* text, TiXmlElement& element) {
     element = TiXmlElement("");
     if (!text) return false;
-    const std::string copy = guardedCopy(text);
-    if (StructureScan(TIXML_ENCODING_UTF8).isElementWithinLimits(copy.c_str()) &&
-        element.Parse(copy.c_str(), nullptr, TIXML_ENCODING_UTF8)) {
+    const GuardedText guarded(text);
+    if (StructureScan(TIXML_ENCODING_UTF8).isElementWithinLimits(guarded.c_str()) &&
+        element.Parse(guarded.c_str(), nullptr, TIXML_ENCODING_UTF8)) {
         return true;
     }
     element = TiXmlElement("");

@@ -10,17 +10,29 @@
 #include <tinyxml.h>
 
 #include <memory>
+#include <string>
 
 namespace support {
 
 constexpr int maxXmlDepth = 256;       // elements inside each other, the root included
 constexpr int maxXmlAttributes = 1024; // of one element
 
+// A copy of a text with what TinyXML needs behind it. A null text is an empty one.
+class GuardedText {
+public:
+    explicit GuardedText(const char* text);
+    const char* c_str() const { return copy.c_str(); }
+
+private:
+    std::string copy;
+};
+
 // Null when the text is null, beyond the limits, or TinyXML finds an error in it. The encoding is the one
 // that holds when the text begins with no XML declaration; a declaration goes by what it says, and stands for
 // UTF-8 when it names none. TIXML_ENCODING_UNKNOWN looks for a byte order mark and else takes bytes as they
 // are.
 std::unique_ptr<TiXmlDocument> parseXmlDocument(const char* text, TiXmlEncoding encoding);
+std::unique_ptr<TiXmlDocument> parseXmlDocument(const GuardedText& text, TiXmlEncoding encoding);
 
 // Reads the element that a text begins with, as UTF-8; what follows it is ignored. False when it cannot be
 // read, in the cases above: the element is then an empty one without a name.

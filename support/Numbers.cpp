@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <cstdint>
+#include <cstring>
 #include <limits>
 #include <locale>
 #include <sstream>
@@ -36,7 +38,8 @@ unsigned int leadingDigits(std::string_view text) {
 }
 
 std::string_view skipBlanks(std::string_view text) {
-    text.remove_prefix(std::min(text.find_first_not_of(" \t\n\v\f\r"), text.size()));
+    while (!text.empty() && (text.front() == ' ' || (text.front() >= '\t' && text.front() <= '\r')))
+        text.remove_prefix(1);
     return text;
 }
 
@@ -48,10 +51,9 @@ std::string inLowerCase(std::string_view text) {
     return result;
 }
 
-// A stream is used, and not from_chars, because it tells numbers that are too small, which become 0, from
-// those that are too big, which fail.
+// A stream tells numbers that are too small, which become 0, from those that are too big, which fail.
 template <class T>
-bool convertDecimal(std::string_view number, T& value) {
+bool convertExtremeDecimal(std::string_view number, T& value) {
     std::istringstream stream{std::string(number)};
     stream.imbue(std::locale::classic());
     return !!(stream >> value);
@@ -72,8 +74,14 @@ bool convertInfinityOrNan(std::string_view text, float& value) {
     return true;
 }
 
+bool isDigit(char c) {
+    return c >= '0' && c <= '9';
+}
+
 size_t countDigits(std::string_view text) {
-    return std::min(text.find_first_not_of("0123456789"), text.size());
+    size_t count = 0;
+    while (count < text.size() && isDigit(text[count])) ++count;
+    return count;
 }
 
 // The length of the decimal number, without a sign, that a text begins with.
@@ -95,11 +103,42 @@ size_t decimalLength(std::string_view text) {
     return length;
 }
 
-std::string printed(float value, std::chars_format format) {
-    std::array<char, 64> characters;
-    const auto [end, error] =
-        std::to_chars(characters.data(), characters.data() + characters.size(), value, format, 6);
-    return std::string(characters.data(), end);
+// The length of the decimal number, without a sign, that a text begins with, and its value: 0 when it is too
+// small, and infinity when it is too big. 0 for a text that begins with none.
+template <class T>
+size_t readDecimal(std::string_view text, T& value) {
+    if (text.empty() || !(isDigit(text.front()) || text.front() == '.')) return 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+    if (error == std::errc()) return static_cast<size_t>(end - text.data());
+    const size_t length = decimalLength(text);
+    if (length > 0 && !convertExtremeDecimal(text.substr(0, length), value))
+        value = std::numeric_limits<T>::infinity();
+    return length;
+}
+
+// The number of millionths nearest to a magnitude below limitOfMillionths; of two as near the even one.
+// Exact: the value is mantissa times two to the power of exponent, and a million mantissas fit into 44 bits.
+constexpr float limitOfMillionths = 1099511627776.0f; // two to the 40th
+constexpr std::uint64_t million = 1000000;
+
+std::uint64_t roundedMillionths(float magnitude) {
+    constexpr int mantissaBits = std::numeric_limits<float>::digits - 1;
+    std::uint32_t bits = 0;
+    static_assert(std::numeric_limits<float>::is_iec559 && sizeof bits == sizeof magnitude, "IEEE floats");
+    std::memcpy(&bits, &magnitude, sizeof bits);
+    const int biased = static_cast<int>(bits >> mantissaBits);
+    const std::uint32_t fraction = bits & ((1u << mantissaBits) - 1);
+    const std::uint64_t mantissa = biased == 0 ? fraction : fraction | 1u << mantissaBits;
+    const int exponent = std::max(biased, 1) - 127 - mantissaBits;
+
+    const std::uint64_t millions = mantissa * million;
+    if (exponent >= 0) return millions << exponent;
+    if (exponent <= -64) return 0;
+    const int shift = -exponent;
+    const std::uint64_t below = millions & ((std::uint64_t{1} << shift) - 1);
+    const std::uint64_t half = std::uint64_t{1} << (shift - 1);
+    const std::uint64_t whole = millions >> shift;
+    return whole + (below > half || (below == half && (whole & 1) != 0) ? 1 : 0);
 }
 
 } // namespace
@@ -121,50 +160,76 @@ bool convertWhole(std::string_view text, int& value) {
 }
 
 bool convertWhole(std::string_view text, float& value) {
-    if (convertInfinityOrNan(text, value)) return true;
-    std::string_view unsignedText = text;
-    takeSign(unsignedText);
-    if (unsignedText.empty() || decimalLength(unsignedText) != unsignedText.size()) return false;
-    float converted = 0;
-    if (!convertDecimal(text, converted)) return false;
-    value = converted;
+    std::string_view magnitudeText = text;
+    const bool isNegative = takeSign(magnitudeText);
+    float magnitude = 0;
+    const size_t length = readDecimal(magnitudeText, magnitude);
+    if (length == 0) return convertInfinityOrNan(text, value);
+    if (length != magnitudeText.size() || std::isinf(magnitude)) return false;
+    value = isNegative ? -magnitude : magnitude;
     return true;
 }
 
-unsigned int leadingUnsigned(const char* text) {
-    return leadingDigits(text ? text : "");
+unsigned int leadingUnsigned(std::string_view text) {
+    return leadingDigits(text);
 }
 
-int leadingInteger(const char* text) {
-    std::string_view rest = skipBlanks(text ? text : "");
+unsigned int leadingUnsigned(const char* text) {
+    return leadingUnsigned(std::string_view(text ? text : ""));
+}
+
+int leadingInteger(std::string_view text) {
+    std::string_view rest = skipBlanks(text);
     const bool isNegative = takeSign(rest);
     const unsigned int magnitude = leadingDigits(rest);
     return isNegative ? negated(std::min(magnitude, largestInteger + 1))
                       : static_cast<int>(std::min(magnitude, largestInteger));
 }
 
-float leadingFloat(const char* text) {
-    std::string_view rest = skipBlanks(text ? text : "");
+int leadingInteger(const char* text) {
+    return leadingInteger(std::string_view(text ? text : ""));
+}
+
+float leadingFloat(std::string_view text) {
+    std::string_view rest = skipBlanks(text);
     const bool isNegative = takeSign(rest);
     double magnitude = 0;
-    if (const size_t length = decimalLength(rest)) {
-        if (!convertDecimal(rest.substr(0, length), magnitude)) magnitude = HUGE_VAL;
-    } else if (inLowerCase(rest.substr(0, 3)) == "inf") {
-        magnitude = HUGE_VAL;
-    } else if (inLowerCase(rest.substr(0, 3)) == "nan") {
-        magnitude = std::numeric_limits<double>::quiet_NaN();
-    } else {
-        return 0; // without the sign
+    if (readDecimal(rest, magnitude) == 0) {
+        const std::string word = inLowerCase(rest.substr(0, 3));
+        if (word != "inf" && word != "nan") return 0; // without the sign
+        magnitude = word == "inf" ? HUGE_VAL : std::numeric_limits<double>::quiet_NaN();
     }
     return static_cast<float>(std::copysign(magnitude, isNegative ? -1.0 : 1.0));
 }
 
+float leadingFloat(const char* text) {
+    return leadingFloat(std::string_view(text ? text : ""));
+}
+
 std::string toText(float value) {
-    return printed(value, std::chars_format::general);
+    std::array<char, 64> characters;
+    const auto [end, error] = std::to_chars(characters.data(), characters.data() + characters.size(), value,
+                                            std::chars_format::general, 6);
+    return std::string(characters.data(), end);
+}
+
+// Like to_chars, but faster where the value is of an ordinary size.
+char* writeFixed(char* place, float value) {
+    const float magnitude = std::abs(value);
+    if (!(magnitude < limitOfMillionths))
+        return std::to_chars(place, place + longestFixedText, value, std::chars_format::fixed, 6).ptr;
+    if (std::signbit(value)) *place++ = '-';
+    const std::uint64_t millionths = roundedMillionths(magnitude);
+    place = std::to_chars(place, place + longestFixedText, millionths / million).ptr;
+    *place++ = '.';
+    auto decimals = static_cast<std::uint32_t>(millionths % million);
+    for (int k = 5; k >= 0; --k, decimals /= 10) place[k] = static_cast<char>('0' + decimals % 10);
+    return place + 6;
 }
 
 std::string toFixedText(float value) {
-    return printed(value, std::chars_format::fixed);
+    std::array<char, longestFixedText> characters;
+    return std::string(characters.data(), writeFixed(characters.data(), value));
 }
 
 int truncated(float value) {

@@ -42,12 +42,20 @@ T wholeOrZero(const char* text) {
 // Prefixes: the number that a text begins with, and 0 when it begins with none; whatever follows is ignored.
 // A null text is an empty one. Numbers that are out of range become the nearest value of the type; for floats
 // that is infinity.
-unsigned int leadingUnsigned(const char* text); // digits only: a blank or a sign before them gives 0
-int leadingInteger(const char* text);           // as atoi: blanks, then a sign
-float leadingFloat(const char* text);           // as atof, but for hexadecimal numbers, which give 0
+unsigned int leadingUnsigned(std::string_view text); // digits only: a blank or a sign before them gives 0
+unsigned int leadingUnsigned(const char* text);
+int leadingInteger(std::string_view text); // as atoi: blanks, then a sign
+int leadingInteger(const char* text);
+float leadingFloat(std::string_view text); // as atof, but for hexadecimal numbers, which give 0
+float leadingFloat(const char* text);
 
-std::string toText(float value);      // six significant digits, as streams print by default
-std::string toFixedText(float value); // six decimals, as "%f" prints; up to 47 characters
+std::string toText(float value); // six significant digits, as streams print by default
+
+// Writes a float with six decimals, as "%f" prints it, without a zero behind it. There must be room for
+// longestFixedText characters. Returns the end.
+constexpr size_t longestFixedText = 47;
+char* writeFixed(char* place, float value);
+std::string toFixedText(float value);
 
 // Towards zero; out of range becomes the nearest integer, NaN becomes 0.
 int truncated(float value);

@@ -2,6 +2,9 @@
 
 #if defined(_WIN32)
 #include <windows.h>
+#else
+#include <atomic>
+#include <pthread.h>
 #endif
 
 namespace support {
@@ -28,19 +31,29 @@ bool isProcessEnding() {
     return isShutdownInProgress && isShutdownInProgress();
 }
 
-void stayLoaded() {
+void prepareForThreads() {
     HMODULE self = nullptr;
     GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_PIN,
-                       reinterpret_cast<LPCWSTR>(&stayLoaded), &self);
+                       reinterpret_cast<LPCWSTR>(&prepareForThreads), &self);
 }
 
 #else
 
+namespace {
+
+std::atomic<bool> hasLostThreads{false};
+
+} // namespace
+
 bool isProcessEnding() {
-    return false;
+    return hasLostThreads;
 }
 
-void stayLoaded() {}
+// The child of a fork is told, and does not ask: to ask for the process's number is a call into the system.
+void prepareForThreads() {
+    [[maybe_unused]] static const int registered =
+        pthread_atfork(nullptr, nullptr, [] { hasLostThreads = true; });
+}
 
 #endif
 

@@ -1,15 +1,22 @@
 #include "framework/description/DescriptionParser.h"
 
 #include "framework/description/Attributes.h"
-#include "support/GuardedXml.h"
 
 #include <tinyxml.h>
 
 #include <algorithm>
+#include <functional>
 
 namespace SubstanceAir {
 
 namespace {
+
+// Packages mostly come with everything in order.
+template <class Items, class IsLess>
+void sortUnlessSorted(Items& items, const IsLess& isLess) {
+    if (!std::is_sorted(items.begin(), items.end(), isLess))
+        std::stable_sort(items.begin(), items.end(), isLess);
+}
 
 // Both sorts by uid are stable, so that the first of equal uids is the first in the document.
 void readOutputs(const TiXmlElement& graphElement, GraphDesc& graph) {
@@ -20,8 +27,7 @@ void readOutputs(const TiXmlElement& graphElement, GraphDesc& graph) {
         graph.outputs.emplace_back();
         parseOutput(element, graph.outputs.back());
     });
-    std::stable_sort(graph.outputs.begin(), graph.outputs.end(),
-                     [](const OutputDesc& a, const OutputDesc& b) { return a.uid < b.uid; });
+    sortUnlessSorted(graph.outputs, [](const OutputDesc& a, const OutputDesc& b) { return a.uid < b.uid; });
 }
 
 void readInputs(const TiXmlElement& graphElement, GraphDesc& graph) {
@@ -32,10 +38,8 @@ void readInputs(const TiXmlElement& graphElement, GraphDesc& graph) {
         if (std::unique_ptr<InputDescBase> input = parseInput(element, graph.outputs))
             graph.inputs.push_back(std::move(input));
     });
-    std::stable_sort(graph.inputs.begin(), graph.inputs.end(),
-                     [](const auto& a, const auto& b) { return a->uid < b->uid; });
-    for (OutputDesc& output : graph.outputs)
-        std::sort(output.alteringInputUids.begin(), output.alteringInputUids.end());
+    sortUnlessSorted(graph.inputs, [](const auto& a, const auto& b) { return a->uid < b->uid; });
+    for (OutputDesc& output : graph.outputs) sortUnlessSorted(output.alteringInputUids, std::less<>());
 }
 
 // False for a graph without outputs, of which nothing more is read.
@@ -64,8 +68,8 @@ void readGraphs(const TiXmlElement& list, PackageDesc& package, std::vector<Grap
 
 } // namespace
 
-bool parsePackageDescription(const char* xmlText, PackageDesc& package, unsigned int& assemblyUid,
-                             std::vector<GraphDesc>& graphs) {
+bool parsePackageDescription(const support::GuardedText& xmlText, PackageDesc& package,
+                             unsigned int& assemblyUid, std::vector<GraphDesc>& graphs) {
     const auto document = support::parseXmlDocument(xmlText, TIXML_ENCODING_UTF8);
     const TiXmlElement* const root = document ? rootElement(*document, "sbsdescription") : nullptr;
     if (!root || !root->Attribute("asmuid")) return false;

@@ -1,4 +1,5 @@
 #include "framework/description/Attributes.h"
+#include "framework/description/CompactXml.h"
 #include "framework/description/InputDesc.h"
 #include "framework/description/OutputDesc.h"
 #include "framework/description/ValueText.h"
@@ -6,6 +7,7 @@
 #include <tinyxml.h>
 
 #include <algorithm>
+#include <string_view>
 
 namespace SubstanceAir {
 
@@ -14,7 +16,7 @@ namespace {
 template <class T>
 T valueAttribute(const TiXmlElement& element, const char* name) {
     T value{};
-    valueFromText(textAttribute(element, name), value);
+    if (const char* const text = element.Attribute(name)) valueFromText(text, value);
     return value;
 }
 
@@ -53,25 +55,20 @@ std::unique_ptr<InputDescBase> readValues(const TiXmlElement& element, unsigned 
     }
 }
 
-// One uid for each token between commas, 0 for a token that is no number. An empty text has no token.
-std::vector<unsigned int> readUids(const std::string& text) {
-    std::vector<unsigned int> uids;
-    if (text.empty()) return uids;
-    size_t begin = 0;
-    size_t comma = 0;
-    do {
-        comma = text.find(',', begin);
-        const std::string token = text.substr(begin, comma - begin);
-        uids.push_back(support::wholeOrZero<unsigned int>(token.c_str()));
-        begin = comma + 1;
-    } while (comma != std::string::npos);
-    return uids;
-}
-
-// Enters the link between the input and the outputs that it names on both sides. A token that is no number
-// names the output of uid 0, if there is one.
+// Enters the link between the input and the outputs that it names on both sides: one uid for each token
+// between commas, and no token in an empty text. A token that is no number names the output of uid 0, if
+// there is one.
 void linkAlteredOutputs(const TiXmlElement& element, InputDescBase& input, std::vector<OutputDesc>& outputs) {
-    for (const unsigned int uid : readUids(textAttribute(element, "alteroutputs"))) {
+    const char* const text = element.Attribute("alteroutputs");
+    if (!text || !*text) return;
+    std::string_view rest(text);
+    input.alteredOutputUids.reserve(static_cast<size_t>(std::count(rest.begin(), rest.end(), ',')) + 1);
+    for (bool isLast = false; !isLast;) {
+        const size_t comma = rest.find(',');
+        isLast = comma == std::string_view::npos;
+        unsigned int uid = 0;
+        support::convertWhole(rest.substr(0, comma), uid);
+        if (!isLast) rest.remove_prefix(comma + 1);
         const auto output = findOutput(outputs, uid);
         if (output == outputs.end()) continue;
         input.alteredOutputUids.push_back(uid);
@@ -80,18 +77,11 @@ void linkAlteredOutputs(const TiXmlElement& element, InputDescBase& input, std::
     std::sort(input.alteredOutputUids.begin(), input.alteredOutputUids.end());
 }
 
-std::string printedCompactly(const TiXmlElement& element) {
-    TiXmlPrinter printer;
-    printer.SetStreamPrinting();
-    element.Accept(&printer);
-    return printer.Str();
-}
-
 // With a GUI element but no label in it, the label is empty: only an input without any takes its identifier.
 void readGui(const TiXmlElement& element, InputDescBase& input) {
     if (const TiXmlElement* const gui = element.FirstChildElement("inputgui")) {
         input.label = textAttribute(*gui, "label");
-        input.guiXml = printedCompactly(*gui);
+        input.guiXml = compactXml(*gui);
     } else {
         input.label = input.identifier;
     }

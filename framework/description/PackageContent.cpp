@@ -5,6 +5,8 @@
 #include <boost/thread/lock_guard.hpp>
 #include <boost/thread/mutex.hpp>
 
+#include <new>
+
 namespace SubstanceAir {
 
 namespace {
@@ -14,6 +16,7 @@ namespace {
 struct LinkerAnswer {
     boost::mutex mutex; // held from before the linker is called until the content has been copied
     PackageContent content;
+    bool isOutOfMemory = false; // the content is not what the linker delivered, or meant to
 };
 
 // Never destroyed: hosts build packages in static objects too, up to the end of the process.
@@ -22,13 +25,14 @@ LinkerAnswer& linkerAnswer() {
     return answer;
 }
 
-// No exception may pass through the linker: memory that runs out leaves the buffer empty.
+// No exception may pass through the linker: memory that runs out is remembered.
 extern "C" void keepDescription(SubstanceLinkerHandle*, unsigned int, const char* text) {
-    std::string& description = linkerAnswer().content.description;
+    auto& description = linkerAnswer().content.description;
+    description.reset();
     try {
-        description = text ? text : "";
+        description = std::make_shared<support::GuardedText>(text);
     } catch (...) {
-        description.clear();
+        linkerAnswer().isOutOfMemory = true;
     }
 }
 
@@ -39,22 +43,26 @@ extern "C" void keepAssembly(SubstanceLinkerHandle*, unsigned int, const unsigne
     try {
         assembly.assign(bytes, bytes + count);
     } catch (...) {
-        assembly.clear();
+        linkerAnswer().isOutOfMemory = true;
     }
 }
 
-// The results are not looked at: a package that could not be read shows in what was delivered.
+// Other results are not looked at: a package that could not be read shows in what was delivered.
+void noteMemory(unsigned int status) {
+    if (status == SubstanceLinkerOutOfMemory) linkerAnswer().isOutOfMemory = true;
+}
+
 void pushThroughLinker(const void* data, size_t size) {
     SubstanceLinkerContext* context = nullptr;
-    substanceLinkerContextInit(&context, SubstanceLinkerApiVersion, SubstanceLinkerEngineId);
+    noteMemory(substanceLinkerContextInit(&context, SubstanceLinkerApiVersion, SubstanceLinkerEngineId));
     substanceLinkerContextSetCallback(context, SubstanceLinkerCallbackText,
                                       reinterpret_cast<SubstanceLinkerCallback>(&keepDescription));
     substanceLinkerContextSetCallback(context, SubstanceLinkerCallbackBytes,
                                       reinterpret_cast<SubstanceLinkerCallback>(&keepAssembly));
 
     SubstanceLinkerHandle* handle = nullptr;
-    substanceLinkerHandleInit(&handle, context);
-    substanceLinkerHandlePushAssemblyMemory(handle, data, size);
+    noteMemory(substanceLinkerHandleInit(&handle, context));
+    noteMemory(substanceLinkerHandlePushAssemblyMemory(handle, data, size));
     substanceLinkerHandleRelease(handle);
     substanceLinkerContextRelease(context);
 }
@@ -64,7 +72,9 @@ void pushThroughLinker(const void* data, size_t size) {
 PackageContent splitPackage(const void* data, size_t size) {
     LinkerAnswer& answer = linkerAnswer();
     const boost::lock_guard<boost::mutex> lock(answer.mutex);
+    answer.isOutOfMemory = false;
     pushThroughLinker(data, size);
+    if (answer.isOutOfMemory) throw std::bad_alloc();
     return answer.content;
 }
 

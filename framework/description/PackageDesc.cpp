@@ -24,7 +24,8 @@ PackageDesc::PackageDesc() = default;
 PackageDesc::PackageDesc(const void* data, size_t size, const OutputFormatOptions* options) {
     PackageContent content = splitPackage(data, size);
     assembly = std::move(content.assembly);
-    if (!parsePackageDescription(content.description.c_str(), *this, assemblyUid, graphDescs)) {
+    if (!content.description ||
+        !parsePackageDescription(*content.description, *this, assemblyUid, graphDescs)) {
         graphDescs.clear();
         return;
     }

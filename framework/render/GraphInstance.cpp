@@ -38,12 +38,17 @@ GraphInstance::~GraphInstance() {
 
 std::vector<unsigned char> GraphInstance::keyBytes() const {
     std::vector<unsigned char> bytes;
+    writeKeyBytes(bytes);
+    return bytes;
+}
+
+void GraphInstance::writeKeyBytes(std::vector<unsigned char>& bytes) const {
+    bytes.clear();
     for (const auto& input : inputs) {
         if (!input->isStateKey) continue;
         const auto* const first = static_cast<const unsigned char*>(input->rawData());
         bytes.insert(bytes.end(), first, first + input->rawSize());
     }
-    return bytes;
 }
 
 InputInstanceBase* GraphInstance::findInput(std::string_view identifier) const {

@@ -30,6 +30,7 @@ public:
 
     // The raw values of the state-key inputs, one behind the other.
     std::vector<unsigned char> keyBytes() const;
+    void writeKeyBytes(std::vector<unsigned char>& bytes) const; // the same, in place: always as many
 
     // The first input of that identifier; null when there is none, and for an empty identifier.
     InputInstanceBase* findInput(std::string_view identifier) const;

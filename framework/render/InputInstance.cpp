@@ -64,11 +64,12 @@ InputInstanceBase::InputInstanceBase(const InputDescBase& description, GraphInst
 template <class Assign>
 void InputInstanceBase::change(const Assign& assign) {
     const std::vector<unsigned char> oldBytes = isStateKey ? graph.keyBytes() : std::vector<unsigned char>();
+    std::vector<unsigned char> newBytes = oldBytes; // room for them: from here on memory cannot run out
     assign();
     for (const unsigned int uid : desc.alteredOutputUids) markDirty(graph, uid);
-    // Last, because memory may run out in it: a state that keeps its old key costs another state, whereas an
-    // output that was not marked would never be rendered with the new value.
-    if (isStateKey) updateStateKey(graph, oldBytes, graph.keyBytes());
+    if (!isStateKey) return;
+    graph.writeKeyBytes(newBytes);
+    updateStateKey(graph, oldBytes, newBytes);
 }
 
 template <class T>

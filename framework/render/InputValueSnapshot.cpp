@@ -2,27 +2,30 @@
 
 #include "framework/render/InputInstance.h"
 
+#include <cassert>
+#include <cstring>
+
 namespace SubstanceAir {
 
 namespace {
 
-std::vector<unsigned char> rawBytes(const InputInstanceBase& instance) {
-    const auto* const first = static_cast<const unsigned char*>(instance.rawData());
-    return {first, first + instance.rawSize()};
-}
-
 boost::shared_ptr<InputImage> sharedImage(const InputInstanceBase& instance) {
-    const auto* const input = dynamic_cast<const InputInstanceImage*>(&instance);
-    return input ? input->image() : nullptr;
+    return instance.desc.isImage() ? static_cast<const InputInstanceImage&>(instance).image() : nullptr;
 }
 
 } // namespace
+
+RawValue::RawValue(const void* data, size_t size)
+    : count(size) {
+    assert(size <= bytes.size());
+    std::memcpy(bytes.data(), data, size);
+}
 
 InputValueSnapshot::InputValueSnapshot(const InputInstanceBase& instance)
     : uid(instance.desc.uid)
     , type(instance.desc.type)
     , isStateKey(instance.isStateKey)
-    , value(rawBytes(instance))
+    , value(instance.rawData(), instance.rawSize())
     , image(sharedImage(instance)) {}
 
 } // namespace SubstanceAir

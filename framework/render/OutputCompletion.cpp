@@ -27,7 +27,8 @@ std::unique_ptr<RenderResult> fetchResult(SubstanceHandle* handle, unsigned int 
                                           const RenderJob& job) {
     SubstanceTexture texture{};
     if (substanceHandleGetOutputs(handle, 0, outputIndex, 1, &texture) != 0) return nullptr;
-    SubstanceContext* const context = substanceHandleGetParentContext(handle);
+    SubstanceContext* context = substanceHandleGetParentContext(handle);
+    if (!context) context = job.engineContext.get(); // a buffer without its context could never be freed
     std::unique_ptr<RenderResult> result(new (std::nothrow)
                                              RenderResult(texture, context, job.engineContext));
     if (!result && texture.buffer) substanceContextMemoryFree(context, texture.buffer);
@@ -47,32 +48,25 @@ bool deliver(SubstanceHandle* handle, unsigned int outputIndex, const RenderJob&
     }
 }
 
-// An output that is reported again after its texture was taken stays delivered, whichever report ends first.
-void markFailed(std::atomic<OutputOutcome>& outcome) {
-    OutputOutcome expected = OutputOutcome::Awaited;
-    outcome.compare_exchange_strong(expected, OutputOutcome::Failed);
-}
-
 } // namespace
 
-void awaitOutputs(RenderJob& job, const std::shared_ptr<const void>& engineContext) {
+void awaitOutputs(RenderJob& job, const std::shared_ptr<SubstanceContext>& engineContext) {
     job.engineContext = engineContext;
     job.outcomes = std::vector<std::atomic<OutputOutcome>>(job.outputs.size());
 }
 
 void completeOutput(SubstanceHandle* handle, unsigned int outputIndex, RenderJob& job) noexcept {
     SubstanceOutputDesc desc{};
-    if (substanceHandleGetOutputDesc(handle, outputIndex, &desc) != 0) {
-        // It may be any of them; those that still arrive are not rendered again.
-        for (auto& outcome : job.outcomes) markFailed(outcome);
-        return;
-    }
+    if (substanceHandleGetOutputDesc(handle, outputIndex, &desc) != 0) return;
     const size_t position = findOutput(job, desc.uid);
     if (position == job.outputs.size()) return;
-    if (deliver(handle, outputIndex, job, *job.outputs[position]))
-        job.outcomes[position] = OutputOutcome::Delivered;
-    else
-        markFailed(job.outcomes[position]);
+    // None that came is fetched again. An engine that hands a texture over twice would leave one in the
+    // queue, and hosts, who take the oldest, would see old pictures from then on.
+    std::atomic<OutputOutcome>& outcome = job.outcomes[position];
+    OutputOutcome expected = OutputOutcome::Awaited;
+    if (!outcome.compare_exchange_strong(expected, OutputOutcome::Fetching)) return;
+    const bool isDelivered = deliver(handle, outputIndex, job, *job.outputs[position]);
+    outcome = isDelivered ? OutputOutcome::Delivered : OutputOutcome::Awaited;
 }
 
 void dropDelivered(RenderJob& job) {
@@ -86,8 +80,9 @@ void dropDelivered(RenderJob& job) {
 }
 
 void settleOutputs(const RenderJob& job) {
+    if (!job.pushed) return; // nothing was asked for
     for (size_t i = 0; i < job.outcomes.size(); ++i)
-        if (job.outcomes[i] == OutputOutcome::Failed) job.outputs[i]->dirty = true;
+        if (job.outcomes[i] != OutputOutcome::Delivered) job.outputs[i]->dirty = true;
 }
 
 } // namespace SubstanceAir

@@ -11,7 +11,7 @@ namespace SubstanceAir {
 struct RenderJob;
 
 // Before the job's outputs are pushed. The context is what finished textures keep alive.
-void awaitOutputs(RenderJob& job, const std::shared_ptr<const void>& engineContext);
+void awaitOutputs(RenderJob& job, const std::shared_ptr<SubstanceContext>& engineContext);
 
 // For an output of a pushed job, sorted by uid; from any thread of the engine, also from several at once, and
 // more than once. An output that the job did not ask for is passed over. Throws nothing.
@@ -21,7 +21,7 @@ void completeOutput(SubstanceHandle* handle, unsigned int outputIndex, RenderJob
 // again. They would have it twice, and hosts, who take the oldest, would see old pictures from then on.
 void dropDelivered(RenderJob& job);
 
-// When the engine is done: outputs whose texture could not be had become dirty again.
+// When the engine is done: outputs whose texture did not come, or could not be had, become dirty again.
 void settleOutputs(const RenderJob& job);
 
 } // namespace SubstanceAir

@@ -2,21 +2,23 @@
 
 #include "support/ProcessEnd.h"
 
-#include <atomic>
-
 namespace SubstanceAir {
 
 namespace {
 
-// Needs neither construction nor destruction, and so may be asked at any time.
-std::atomic<bool> isClosed{false};
+struct Closing : private boost::noncopyable {
+    explicit Closing(ProcessObjects& processObjects)
+        : objects(processObjects) {}
 
-struct Owner : private boost::noncopyable {
-    ~Owner() {
-        isClosed = true;
-        if (!objects->worker.joinable() && !support::isProcessEnding()) delete objects;
+    ~Closing() {
+        if (support::isProcessEnding()) return;
+        const boost::unique_lock<boost::recursive_mutex> turn(objects.turnMutex, boost::try_to_lock);
+        const boost::unique_lock<boost::mutex> lock(objects.rendererMutex);
+        objects.isClosed = true;
+        if (turn && !objects.worker.joinable()) objects.renderer.reset();
     }
-    ProcessObjects* const objects = new ProcessObjects;
+
+    ProcessObjects& objects;
 };
 
 // At load time, or earlier if a static object of the host renders: those made before are destroyed after.
@@ -25,9 +27,10 @@ struct Owner : private boost::noncopyable {
 } // namespace
 
 ProcessObjects* processObjects() {
-    if (isClosed || support::isProcessEnding()) return nullptr;
-    static const Owner owner;
-    return owner.objects;
+    if (support::isProcessEnding()) return nullptr;
+    static ProcessObjects* const objects = new ProcessObjects;
+    static const Closing atExit(*objects);
+    return objects;
 }
 
 } // namespace SubstanceAir

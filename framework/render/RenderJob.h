@@ -2,6 +2,7 @@
 #pragma once
 
 #include "framework/render/InputValueSnapshot.h"
+#include "platform/engine.h"
 
 #include <boost/core/noncopyable.hpp>
 
@@ -16,7 +17,7 @@ class GraphInstance;
 class OutputInstance;
 
 // What has become of one output of a job in the run in progress.
-enum class OutputOutcome : unsigned char { Awaited, Failed, Delivered };
+enum class OutputOutcome : unsigned char { Awaited, Fetching, Delivered };
 
 // Made on the host's thread and handed to the renderer. Outputs are not owned; an instance that dies takes
 // its outputs out of waiting jobs.
@@ -30,7 +31,7 @@ struct RenderJob : private boost::noncopyable {
     std::vector<InputValueSnapshot> inputs;
 
     // The renderer's, for the time of a run. Any of the engine's threads may write an outcome.
-    std::shared_ptr<const void> engineContext;        // which finished textures keep alive
+    std::shared_ptr<SubstanceContext> engineContext;  // which finished textures keep alive
     std::vector<std::atomic<OutputOutcome>> outcomes; // one for each output
 };
 

@@ -91,14 +91,10 @@ bool RenderState::hasPackage(unsigned int packageUid) const {
                        [packageUid](const StateKey& key) { return key.packageUid == packageUid; });
 }
 
-void RenderState::forgetOutputs(const std::vector<std::unique_ptr<OutputInstance>>& dying) {
+void RenderState::forgetOutputs(const std::function<bool(const OutputInstance*)>& isForgotten) {
     const Lock lock(mutex);
-    const auto isDying = [&dying](const OutputInstance* output) {
-        return std::any_of(dying.begin(), dying.end(),
-                           [output](const auto& each) { return each.get() == output; });
-    };
     for (const auto& job : pending)
-        job->outputs.erase(std::remove_if(job->outputs.begin(), job->outputs.end(), isDying),
+        job->outputs.erase(std::remove_if(job->outputs.begin(), job->outputs.end(), isForgotten),
                            job->outputs.end());
     dropEmpty(pending);
 }

@@ -10,6 +10,7 @@
 #include <boost/thread/mutex.hpp>
 
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <memory>
 #include <set>
@@ -45,8 +46,9 @@ public:
     // Whether a key of the state names the package.
     bool hasPackage(unsigned int packageUid) const;
 
-    // Takes the outputs out of every waiting job, and drops jobs that are left without any. Not during a run.
-    void forgetOutputs(const std::vector<std::unique_ptr<OutputInstance>>& dying);
+    // Takes such outputs out of every waiting job, and drops jobs that are left without any. Not during a
+    // run.
+    void forgetOutputs(const std::function<bool(const OutputInstance*)>& isForgotten);
 
 private:
     struct HandleRelease {

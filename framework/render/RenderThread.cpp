@@ -37,9 +37,13 @@ void runOnce(ProcessObjects& objects) {
     }
 }
 
+// Whoever waits is woken when the mutex is free again, which it needs to go on.
 void reportDone(ProcessObjects& objects) {
-    const Lock lock(objects.rendererMutex);
-    objects.pending = false;
+    {
+        const Lock lock(objects.rendererMutex);
+        objects.pending = false;
+        if (objects.isLastRun) objects.running = false;
+    }
     objects.done.notify_one();
 }
 
@@ -52,24 +56,41 @@ void renderThread() {
     }
 }
 
+void request(bool isLast) {
+    ProcessObjects* const objects = processObjects();
+    if (!objects) return;
+    const Lock lock(objects->rendererMutex);
+    if (objects->isClosed && !objects->worker.joinable()) return; // nobody would serve it
+    objects->pending = true;
+    objects->isLastRun = isLast;
+    objects->wake.notify_one();
+}
+
 } // namespace
+
+RenderTurn::RenderTurn() {
+    if (ProcessObjects* const objects = processObjects())
+        lock = boost::unique_lock<boost::recursive_mutex>(objects->turnMutex);
+}
 
 void startRenderThread() {
     ProcessObjects* const objects = processObjects();
     if (!objects) return;
     stopRenderThread();
-    support::stayLoaded(); // the engine's threads, which a render starts, live on after it
+    support::prepareForThreads(); // the engine's too, which a render starts, and which live on after it
     const Lock lock(objects->rendererMutex);
+    if (objects->isClosed) return;
     objects->running = true;
+    objects->isLastRun = false;
     objects->worker = boost::thread(&renderThread);
 }
 
 void requestRender() {
-    ProcessObjects* const objects = processObjects();
-    if (!objects) return;
-    const Lock lock(objects->rendererMutex);
-    objects->pending = true;
-    objects->wake.notify_one();
+    request(false);
+}
+
+void requestLastRender() {
+    request(true);
 }
 
 void waitRenderDone() {

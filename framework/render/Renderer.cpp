@@ -15,9 +15,7 @@ namespace SubstanceAir {
 using Lock = boost::lock_guard<boost::mutex>;
 
 RendererImpl::RendererImpl() {
-    SubstanceLinkerContext* made = nullptr;
-    substanceLinkerContextInit(&made, SubstanceLinkerApiVersion, SubstanceLinkerEngineId);
-    if (made) linkerContext.reset(made, substanceLinkerContextRelease);
+    ensureLinkerContext();
 }
 
 RendererImpl::~RendererImpl() {
@@ -45,16 +43,24 @@ bool RendererImpl::isPackageUidTaken(unsigned int uid) const {
                        [uid](const auto& state) { return state->hasPackage(uid); });
 }
 
+// What waits under another key, since a failure, was made of older values: its textures would come beside the
+// new ones.
 void RendererImpl::pushJob(std::unique_ptr<RenderJob>&& job) {
+    const std::vector<OutputInstance*> outputs = job->outputs;
     const Lock lock(statesMutex);
     auto state =
         std::find_if(states.begin(), states.end(), [&job](const auto& each) { return each->matches(*job); });
     if (state == states.end()) state = states.insert(state, std::make_unique<RenderState>());
     (*state)->push(std::move(job));
+    const auto isNewer = [&outputs](const OutputInstance* output) {
+        return std::find(outputs.begin(), outputs.end(), output) != outputs.end();
+    };
+    for (auto other = states.begin(); other != states.end(); ++other)
+        if (other != state) (*other)->forgetOutputs(isNewer);
 }
 
 void RendererImpl::runAll() {
-    if (!ensureContext()) return;
+    if (!ensureContexts()) return;
     for (RenderState* const state : allStates()) state->run(linkerContext.get(), engineContext, packages);
 }
 
@@ -67,14 +73,27 @@ void RendererImpl::updateStateKey(std::uint64_t graphIdentity, const std::vector
 
 void RendererImpl::forgetGraph(const GraphInstance& graph) {
     const Lock lock(statesMutex);
-    for (const auto& state : states) state->forgetOutputs(graph.outputs);
+    const auto isDying = [&graph](const OutputInstance* output) {
+        return std::any_of(graph.outputs.begin(), graph.outputs.end(),
+                           [output](const auto& own) { return own.get() == output; });
+    };
+    for (const auto& state : states) state->forgetOutputs(isDying);
 }
 
 void RendererImpl::onOutputCompleted(SubstanceHandle* handle, unsigned int outputIndex, void* jobUserData) {
     if (jobUserData) completeOutput(handle, outputIndex, *static_cast<RenderJob*>(jobUserData));
 }
 
-bool RendererImpl::ensureContext() {
+bool RendererImpl::ensureLinkerContext() {
+    if (linkerContext) return true;
+    SubstanceLinkerContext* made = nullptr;
+    substanceLinkerContextInit(&made, SubstanceLinkerApiVersion, SubstanceLinkerEngineId);
+    if (made) linkerContext.reset(made, substanceLinkerContextRelease);
+    return made != nullptr;
+}
+
+bool RendererImpl::ensureContexts() {
+    if (!ensureLinkerContext()) return false;
     if (engineContext) return true;
     SubstanceContext* made = nullptr;
     if (substanceContextInit(&made, &device) != 0) return false;

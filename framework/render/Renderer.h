@@ -20,8 +20,8 @@ namespace SubstanceAir {
 class GraphInstance;
 
 // Reached through RendererAccess, which holds the renderer mutex; runAll alone is called without it, on the
-// render thread. Failures are silent: what could not be done is tried again by the next run. Only the
-// linker's context is made once, in the constructor: without it nothing is ever rendered.
+// render thread. Failures are silent: what could not be done is tried again by the next run, the contexts
+// included. The linker's is made first, in the constructor.
 class RendererImpl : private boost::noncopyable {
 public:
     RendererImpl();
@@ -54,7 +54,8 @@ public:
     static void onOutputCompleted(SubstanceHandle* handle, unsigned int outputIndex, void* jobUserData);
 
 private:
-    bool ensureContext();
+    bool ensureLinkerContext();
+    bool ensureContexts();
     std::vector<RenderState*> allStates() const;
 
     std::vector<std::unique_ptr<RenderState>> states; // in the order of their creation; never shrinks

@@ -8,7 +8,7 @@ RendererAccess::RendererAccess() {
     ProcessObjects* const objects = processObjects();
     if (!objects) return;
     lock = boost::unique_lock<boost::mutex>(objects->rendererMutex);
-    if (!objects->renderer) objects->renderer = std::make_unique<RendererImpl>();
+    if (!objects->renderer && !objects->isClosed) objects->renderer = std::make_unique<RendererImpl>();
     renderer = objects->renderer.get();
 }
 

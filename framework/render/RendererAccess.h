@@ -9,9 +9,9 @@ namespace SubstanceAir {
 
 class RendererImpl;
 
-// The first access of a process creates the renderer. When the process is exiting and the renderer is closed
-// for good, an access is empty and locks nothing. Under an access no graph instance may die, and no other
-// access may be opened: the mutex is not recursive.
+// The first access of a process creates the renderer. When the process is exiting and the renderer is gone
+// for good, an access is empty. Under an access no graph instance may die, and no other access may be opened:
+// the mutex is not recursive.
 class RendererAccess : private boost::noncopyable {
 public:
     RendererAccess();
