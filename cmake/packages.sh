@@ -3,6 +3,8 @@ build_packages=(g++ cmake ninja-build libtinyxml-dev libboost1.81-dev libboost-t
     libflatbuffers-dev flatbuffers-compiler libpng-dev libxxhash-dev libcli11-dev nlohmann-json3-dev libgtest-dev)
 test_packages=(locales pkgconf)
 clang_packages=(clang-14)
+coverage_packages=(llvm-14 libclang-rt-14-dev)
+fuzz_packages=(clang-14 libclang-rt-14-dev)
 lint_packages=(clang-format-14 clang-tidy-14 doxygen)
 abi_packages=(abigail-tools)
 benchmark_packages=(libbenchmark-dev)

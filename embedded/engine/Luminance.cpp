@@ -19,16 +19,17 @@ const NodeKernel kernel{prepare, nullptr};
 } // namespace
 
 const NodeKind& luminanceKind() {
-    static const NodeKind kind = {0xffffffffu,
-                                  "luminance",
-                                  "Colours as gray.",
-                                  {{"source", PortChannels::Colour, true, 0}},
-                                  {},
-                                  ResultChannels::Gray,
-                                  nullptr,
-                                  nullptr,
-                                  5,
-                                  &kernel};
+    // Never destroyed, like the others.
+    static const NodeKind& kind = *new const NodeKind{0xffffffffu,
+                                                      "luminance",
+                                                      "Colours as gray.",
+                                                      {{"source", PortChannels::Colour, true, 0}},
+                                                      {},
+                                                      ResultChannels::Gray,
+                                                      nullptr,
+                                                      nullptr,
+                                                      5,
+                                                      &kernel};
     return kind;
 }
 

@@ -1,5 +1,7 @@
 #include "embedded/engine/Schedule.h"
 
+#include "embedded/program/Cost.h"
+
 #include <algorithm>
 
 namespace embedded {
@@ -10,8 +12,6 @@ constexpr double costlyGenerator = 16;
 constexpr double costlyFilter = 200;
 // Above this cost, with all that streams into it, a node that edits leave alone is kept.
 constexpr double worthKeeping = 30;
-// Up to here a node that several groups read is rather computed in each.
-constexpr double cheapNode = 4;
 
 std::uint64_t bytesOf(const PlanNode& node, int channels) {
     return sizeof(float) * static_cast<std::uint64_t>(node.width) * static_cast<std::uint64_t>(node.height) *
@@ -97,7 +97,8 @@ private:
             if (shown_[i]) addRoot(i, i);
             const bool isCostly = node.costPerPixel() > (isGenerator(node) ? costlyGenerator : costlyFilter);
             const bool isUnedited = changedReader[i] && wasComputed(node) && costs[i] > worthKeeping;
-            const bool isShared = severalRoots[i] && (node.costPerPixel() > cheapNode || !isGenerator(node));
+            const bool isShared =
+                severalRoots[i] && (node.costPerPixel() > cheapGenerator || !isGenerator(node));
             kept_[i] = kept_[i] || !node.hasRows() || isCostly || isShared || isUnedited;
             for (const PlanSource& source : node.sources) {
                 if (!source.connected()) continue;

@@ -37,9 +37,20 @@ template <typename Function>
 unsigned int guarded(Function function) noexcept {
     try {
         return function() ? success : failure;
+    } catch (const std::bad_alloc&) {
+        return SubstanceLinkerOutOfMemory;
     } catch (...) {
         return failure;
     }
+}
+
+// For what shapes a handle's program. Nobody looks at these results, so a step that was lost for want of
+// memory makes the link fail, which is tried again, and not a program without the step, which would stay.
+template <typename Function>
+unsigned int shaped(SubstanceLinkerHandle& handle, Function function) noexcept {
+    const unsigned int status = guarded(function);
+    if (status == SubstanceLinkerOutOfMemory) handle.failed = true;
+    return status;
 }
 
 struct Pushed {
@@ -72,13 +83,15 @@ void deliver(SubstanceLinkerHandle& handle, const Package& package) {
 }
 
 bool push(SubstanceLinkerHandle& handle, const void* data, std::size_t size) {
+    static const Package unread;
     std::optional<Pushed> pushed;
     try {
         pushed = readPushed(data, size);
     } catch (const std::bad_alloc&) {
-        // Too large to be read: the callbacks still hear of it.
+        deliver(handle, unread); // the callbacks hear of it all the same
+        throw;
     }
-    deliver(handle, pushed ? pushed->package : Package());
+    deliver(handle, pushed ? pushed->package : unread); // not a copy, which might fail and deliver nothing
     return pushed && handle.program.append(pushed->program);
 }
 
@@ -142,13 +155,13 @@ unsigned int substanceLinkerHandlePushAssemblyMemory(SubstanceLinkerHandle* hand
 unsigned int substanceLinkerHandleSetOutputFormat(SubstanceLinkerHandle* handle, unsigned int outputUid,
                                                   int format, unsigned int mipmaps) {
     if (!handle) return failure;
-    return guarded([&] { return handle->program.setOutputFormat(outputUid, format, mipmaps); });
+    return shaped(*handle, [&] { return handle->program.setOutputFormat(outputUid, format, mipmaps); });
 }
 
 unsigned int substanceLinkerConnectOutputToInput(SubstanceLinkerHandle* handle, unsigned int inputUid,
                                                  unsigned int outputUid) {
     if (!handle) return failure;
-    return guarded([&] { return handle->program.connect(inputUid, outputUid); });
+    return shaped(*handle, [&] { return handle->program.connect(inputUid, outputUid); });
 }
 
 // Every output is kept anyway: the engine computes what it is asked for.
@@ -161,7 +174,7 @@ unsigned int substanceLinkerHandleSelectOutputs(SubstanceLinkerHandle* handle, u
 unsigned int substanceLinkerFuseInputs(SubstanceLinkerHandle* handle, unsigned int firstUid,
                                        unsigned int secondUid) {
     if (!handle) return failure;
-    return guarded([&] { return handle->program.fuse(firstUid, secondUid); });
+    return shaped(*handle, [&] { return handle->program.fuse(firstUid, secondUid); });
 }
 
 unsigned int substanceLinkerHandleLink(SubstanceLinkerHandle* handle, const unsigned char** data,

@@ -35,7 +35,8 @@
 namespace embedded {
 
 const std::vector<NodeKind>& nodeKinds() {
-    static const std::vector<NodeKind> kinds = {
+    // Never destroyed: a render may be in progress while the static objects of an ending process die.
+    static const auto& kinds = *new const std::vector<NodeKind>{
         uniformKind(),
         imageInputKind(),
         fractalNoiseKind(),

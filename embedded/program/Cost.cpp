@@ -44,6 +44,16 @@ int mostChannels(const ProgramNode& node, const std::vector<NodeShape>& shapes) 
     return most;
 }
 
+// As Cost.h says. A node for an image from outside counts as well: what it passes on may be one.
+bool isCheapGenerator(const ProgramNode& node) {
+    const NodeKind& kind = *findNodeKind(node.kind);
+    const auto isImage = [](const ParameterInfo& info) { return info.type == ValueType::Image; };
+    const auto isConnected = [](std::int32_t source) { return source != ProgramNode::unconnected; };
+    return kind.costPerPixel <= cheapGenerator &&
+           (std::any_of(kind.parameters.begin(), kind.parameters.end(), isImage) ||
+            std::none_of(node.sources.begin(), node.sources.end(), isConnected));
+}
+
 class Costing {
 public:
     Costing(const Program& program, int log2Width, int log2Height)
@@ -56,6 +66,7 @@ public:
         results.reserve(outputs.size());
         for (const std::size_t output : outputs) results.push_back(program_.outputs[output].node);
         const std::vector<bool> isNeeded = neededNodes(program_, results);
+        countReaders(isNeeded, results);
         for (std::size_t i = 0; i < program_.nodes.size(); ++i) {
             addShape(program_.nodes[i]);
             if (isNeeded[i]) addNode(program_.nodes[i]);
@@ -65,6 +76,16 @@ public:
     }
 
 private:
+    void countReaders(const std::vector<bool>& isNeeded, const std::vector<std::int32_t>& results) {
+        readers_.resize(program_.nodes.size());
+        for (const std::int32_t node : results) ++readers_[static_cast<std::size_t>(node)];
+        for (std::size_t i = 0; i < program_.nodes.size(); ++i) {
+            if (!isNeeded[i]) continue;
+            for (const std::int32_t source : program_.nodes[i].sources)
+                if (source != ProgramNode::unconnected) ++readers_[static_cast<std::size_t>(source)];
+        }
+    }
+
     void addShape(const ProgramNode& node) {
         const bool isDriven = node.resolution.input != Binding::constantOnly;
         const auto& constant = node.resolution.constant.integers;
@@ -78,7 +99,9 @@ private:
     void addNode(const ProgramNode& node) {
         const NodeShape& shape = shapes_.back();
         ++cost_.nodes;
-        addPixels(findNodeKind(node.kind)->costPerPixel, shape.pixels());
+        const std::size_t repeats = isCheapGenerator(node) ? readers_[shapes_.size() - 1] - 1 : 0;
+        cost_.repeats += repeats;
+        addPixels(findNodeKind(node.kind)->costPerPixel, shape.pixels() * (1 + repeats));
         cost_.bytes += shape.pixels() * static_cast<std::uint64_t>(shape.channels) * sizeof(float);
         cost_.pixels = std::max(cost_.pixels, shape.pixels());
         const NodeKind& kind = *findNodeKind(node.kind);
@@ -116,7 +139,8 @@ private:
     const Program& program_;
     const int log2Width_;
     const int log2Height_;
-    std::vector<NodeShape> shapes_; // by node
+    std::vector<NodeShape> shapes_;    // by node
+    std::vector<std::size_t> readers_; // by node: how many times it is read by needed nodes, or shown
     ProgramCost cost_;
 };
 

@@ -9,13 +9,18 @@
 
 namespace embedded {
 
+// Up to this many operations for a pixel, a node without sources is computed anew for each that reads it, if
+// that spares an image.
+constexpr double cheapGenerator = 4;
+
 struct ProgramCost {
     std::size_t nodes = 0;            // that have to run
+    std::size_t repeats = 0;          // of cheap generators, for all but their first reader
     std::size_t conversions = 0;      // of sources and outputs, to the size or to the gray that is read
     double operations = 0;            // floating-point operations, roughly
     std::uint64_t bytes = 0;          // of the results of all nodes; the engine holds fewer of them at a time
     std::uint64_t pixels = 0;         // of the largest result
-    std::uint64_t computedPixels = 0; // of all results and conversions together
+    std::uint64_t computedPixels = 0; // of all results, repeats and conversions together
 };
 
 // The cost of computing these outputs, indexes into Program::outputs, whatever the values of inputs are, for

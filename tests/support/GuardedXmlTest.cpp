@@ -32,9 +32,22 @@ bool parses(const std::string& text, TiXmlEncoding encoding = TIXML_ENCODING_UTF
     return support::parseXmlDocument(text.c_str(), encoding) != nullptr;
 }
 
+// TinyXML alone, on a text that it withstands.
+bool parsesUnguarded(const std::string& text) {
+    const std::string withZeros = std::string(text.c_str()) + '\n' + std::string(8, '\0');
+    TiXmlDocument document;
+    document.SetTabSize(0);
+    const bool isDeclared = text.find("<?xml") <= 3; // behind a mark, if any
+    return document.Parse(withZeros.c_str(), nullptr,
+                          isDeclared ? TIXML_ENCODING_UNKNOWN : TIXML_ENCODING_UTF8) &&
+           !document.Error();
+}
+
 TEST(GuardedXml, RefusesWhatIsTooDeepOrTooRich) {
     // One character before each bracket in UTF-8 as TinyXML counts them, four in any other encoding.
     const std::string tags = "<r>" + repeated("\xF0<a>", 300) + "</r>";
+    // The same with a quote.
+    const std::string value = "<r v='\xF0'/>" + repeated("<a>", 300) + " '/>";
     const struct {
         const char* what;
         std::string text;
@@ -60,6 +73,12 @@ TEST(GuardedXml, RefusesWhatIsTooDeepOrTooRich) {
         {"an entity around a quote", "<r v='&#'" + repeated(" n ", 2000) + "#65;'/>", true},
         {"UTF-8", tags, true},
         {"any other encoding", tags, false, TIXML_ENCODING_UNKNOWN},
+        {"a quote in UTF-8", value, true},
+        {"a quote in any other encoding", value, false, TIXML_ENCODING_UNKNOWN},
+        {"a name in UTF-8",
+         "<\xC3\xA4 \xC3\xA4='/>' v\xC3\xA4='>'>" + nested(maxXmlDepth - 1) + "</\xC3\xA4>", true},
+        {"a name in UTF-8 too deep", "<v \xC3\xA4='/>'>" + nested(maxXmlDepth) + "</v>", false},
+        {"blanks in a tag", nested(200, "<b\n v\t=\r\n'/>'\f\v>" + nested(100) + "</b>"), false},
         {"a mark", "\xEF\xBB\xBF" + tags, true, TIXML_ENCODING_UNKNOWN},
         {"declared as UTF-8", "<?xml encoding='utf-8'?>" + tags, true, TIXML_ENCODING_UNKNOWN},
         {"declared otherwise", " <?XML encoding='ISO-8859-1'?>" + tags, false},
@@ -76,10 +95,10 @@ TEST(GuardedXml, SurvivesCutsAndBrokenBytes) {
     int accepted = 0;
     for (size_t length = 0; length < sample.size(); ++length) {
         accepted += parses(sample.substr(0, length));
-        for (const char byte : {'\xEF', '\xF0', '<', '>', '&', '\'', '\0'}) {
+        for (const char byte : {'\xEF', '\xF0', '<', '>', '&', '#', '=', '/', '\'', '\0'}) {
             std::string broken = sample;
             broken[length] = byte;
-            parses(broken);
+            EXPECT_EQ(parses(broken), parsesUnguarded(broken)) << broken;
             parses(broken.substr(0, length + 1), TIXML_ENCODING_UNKNOWN);
         }
     }

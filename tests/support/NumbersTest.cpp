@@ -10,8 +10,10 @@
 #include <climits>
 #include <clocale>
 #include <cmath>
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <locale>
 #include <sstream>
 #include <string>
@@ -53,6 +55,19 @@ std::vector<std::string> texts() {
     return all;
 }
 
+// Of all magnitudes, subnormal ones included.
+std::vector<float> someFloats() {
+    std::vector<float> values;
+    std::uint32_t bits = 1;
+    for (int i = 0; i < 3000; ++i) {
+        bits = bits * 1664525u + 1013904223u;
+        float value = 0;
+        std::memcpy(&value, &bits, sizeof value);
+        if (std::isfinite(value)) values.push_back(value);
+    }
+    return values;
+}
+
 // All bits of a number, as text.
 template <class T>
 std::string exact(T value) {
@@ -90,6 +105,16 @@ TEST(Numbers, TextsConvertAsLexicalCastAndTheCLibraryDo) {
         const long long natural = hasDigit ? std::min<long long>(wide, UINT_MAX) : 0;
         EXPECT_EQ(support::leadingUnsigned(text.c_str()), natural) << text;
     }
+    for (const float value : someFloats()) {
+        for (const char* format : {"%f", "%.9g", "%.60e", "%e1"}) { // the last is often out of range
+            std::array<char, 100> text;
+            std::snprintf(text.data(), text.size(), format, static_cast<double>(value));
+            expectAsLexicalCast<float>(text.data());
+            EXPECT_EQ(exact(support::leadingFloat(text.data())),
+                      exact(static_cast<float>(std::strtod(text.data(), nullptr))))
+                << text.data();
+        }
+    }
     EXPECT_EQ(support::wholeOrZero<unsigned int>(nullptr), 0u);
     EXPECT_EQ(support::wholeOrZero<float>("1,5"), 0.0f);
     EXPECT_EQ(support::leadingFloat(nullptr), 0.0f);
@@ -107,7 +132,13 @@ TEST(Numbers, ComponentsAreAllOrNothing) {
 }
 
 TEST(Numbers, FloatsPrintAsTheCLibraryDoes) {
-    for (const float value : {-0.0f, 0.1234567f, 123456.0f, 999999.5f, 1e-5f, 1e-45f, FLT_MAX, HUGE_VALF}) {
+    std::vector<float> values = {-0.0f, 0.1234567f, 123456.0f, 999999.5f, 1e-5f, 1e-45f, FLT_MAX, HUGE_VALF};
+    values.insert(values.end(),
+                  {1099511627776.0f, 1099511562240.0f, -FLT_MIN}); // where the ways to print meet
+    for (const float value : someFloats()) values.push_back(value);
+    for (int odd = -1001; odd < 1000; odd += 2)
+        values.push_back(static_cast<float>(odd) / 128); // seven decimals
+    for (const float value : values) {
         std::array<char, 100> general, fixed;
         std::snprintf(general.data(), general.size(), "%g", static_cast<double>(value));
         std::snprintf(fixed.data(), fixed.size(), "%f", static_cast<double>(value));

@@ -1,70 +1,10 @@
 // Every allocation of a render fails once: the engine says so, nothing leaks, and the next call works.
 #include "embedded/program/Assembly.h"
 #include "platform/engine.h"
+#include "tests/FailingAllocations.h"
 #include "tests/embedded/engine/ProgramBuilder.h"
 
 #include <gtest/gtest.h>
-
-#include <atomic>
-#include <cstdlib>
-#include <limits>
-#include <new>
-
-namespace {
-
-constexpr long never = std::numeric_limits<long>::max();
-std::atomic<long> allocationsLeft{never};
-
-void* allocate(std::size_t size, std::size_t alignment) {
-    if (allocationsLeft.load() != never && --allocationsLeft < 0) throw std::bad_alloc();
-    const std::size_t whole = (size + alignment - 1) / alignment * alignment;
-#if defined(_WIN32)
-    void* const block = _aligned_malloc(whole ? whole : 1, alignment);
-#else
-    void* const block = std::aligned_alloc(alignment, whole ? whole : alignment);
-#endif
-    if (!block) throw std::bad_alloc();
-    return block;
-}
-
-void release(void* block) {
-#if defined(_WIN32)
-    _aligned_free(block);
-#else
-    std::free(block);
-#endif
-}
-
-} // namespace
-
-void* operator new(std::size_t size) {
-    return allocate(size, alignof(std::max_align_t));
-}
-void* operator new(std::size_t size, std::align_val_t alignment) {
-    return allocate(size, static_cast<std::size_t>(alignment));
-}
-void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
-    try {
-        return allocate(size, alignof(std::max_align_t));
-    } catch (const std::bad_alloc&) {
-        return nullptr;
-    }
-}
-void operator delete(void* block) noexcept {
-    release(block);
-}
-void operator delete(void* block, const std::nothrow_t&) noexcept {
-    release(block);
-}
-void operator delete(void* block, std::size_t) noexcept {
-    release(block);
-}
-void operator delete(void* block, std::align_val_t) noexcept {
-    release(block);
-}
-void operator delete(void* block, std::size_t, std::align_val_t) noexcept {
-    release(block);
-}
 
 namespace {
 
@@ -125,11 +65,10 @@ TEST(Allocation, everyFailureIsAStatusAndTheNextCallWorks) {
     long failures = 0;
     for (bool completed = false; !completed; ++failures) {
         Engine engine;
-        allocationsLeft = failures;
+        allocations::fail(failures, allocations::Failing::Once);
         const bool opened = engine.open(assembly);
         const bool rendered = opened && engine.render();
-        completed = allocationsLeft >= 0;
-        allocationsLeft = never;
+        completed = allocations::stopFailing() == 0;
         ASSERT_TRUE(rendered || !completed); // what was refused was refused for a reason
         if (!opened) continue;
         EXPECT_TRUE(rendered || engine.render()) << failures;

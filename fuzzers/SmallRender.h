@@ -1,0 +1,30 @@
+// A small render of whatever assembly, through the engine's C interface and under its rules.
+#pragma once
+
+#include "embedded/program/Program.h"
+#include "fuzzers/Fuzzing.h"
+
+#include <array>
+#include <cstddef>
+#include <vector>
+
+namespace fuzzing {
+
+// Sides of at most 8 pixels where inputs decide about the size.
+constexpr int smallLog2Width = 3;
+constexpr int smallLog2Height = 2;
+
+// Whether computing these outputs is quick enough for a fuzzer, when inputs ask for the small size.
+bool isCheap(const embedded::Program& program, const std::vector<std::size_t>& outputs);
+bool isCheap(const embedded::Program& program);
+
+// The inputs that decide about the size of any node: one flag for each. And the value that makes it small.
+std::vector<bool> sizeInputs(const embedded::Program& program);
+std::array<std::int32_t, 4> smallSize(embedded::ValueType type);
+
+// Ends the process when the engine and the verifier disagree about the assembly, or the engine breaks a rule
+// of its interface while it renders all outputs twice, the second time with chosen input values. Whether the
+// engine took the assembly.
+bool renderSmall(const void* assembly, std::size_t size, Choices& values);
+
+} // namespace fuzzing

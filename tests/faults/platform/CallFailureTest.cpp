@@ -1,0 +1,161 @@
+// Every call of linker and engine fails, once or from there on, while a host loads, renders, edits, loads
+// anew and ends: the last texture stays, no edit is lost, and what failed works the next time.
+#include "tests/faults/platform/Host.h"
+
+#include <iostream>
+#include <map>
+#include <sstream>
+#include <vector>
+
+namespace faults {
+
+using recording::Failing;
+
+namespace {
+
+// The calls of each function, by the lines of a trace.
+std::map<std::string, unsigned int> countCalls(const std::string& trace) {
+    std::map<std::string, unsigned int> counts;
+    std::istringstream lines(trace);
+    for (std::string line; std::getline(lines, line);) {
+        const size_t name = line.find(": ") + 2;
+        if (line.compare(name, 9, "substance") == 0) ++counts[line.substr(name, line.find('(') - name)];
+    }
+    return counts;
+}
+
+// What has one failure, or all of a function's from one call on.
+struct Fault {
+    std::string function;
+    unsigned int call;
+    Failing how;
+};
+
+class Session {
+public:
+    // The pictures of a session without faults, in their order.
+    Session(const std::vector<std::string>& good, const Fault& fault)
+        : good_(good)
+        , fault_(fault) {
+        if (fault_.call > 0) recording::fail(fault_.function, fault_.call, fault_.how);
+    }
+
+    std::vector<std::string> run() {
+        load();
+        request();
+        edit("scale", 4);
+        request();
+        request();
+        edit("$seed", 5);
+        request();
+        load();
+        request();
+        edit("amount", 2);
+        request();
+        repair();
+        request();
+        EXPECT_TRUE(isUpToDate(material_));
+        edit("scale", 6);
+        edit("$seed", 7);
+        request();
+        request();
+        material_.reset();
+        SubstanceAir::processObjects()->renderer.reset();
+        wasHit();
+        return pictures_;
+    }
+
+    const std::string& trace() const { return trace_; }
+
+private:
+    // Whether anything has failed since it was last asked.
+    bool wasHit() {
+        const std::string trace = recording::takeTrace();
+        trace_ += trace;
+        return trace.find(" = 7\n") != std::string::npos;
+    }
+
+    // A host cannot see all that goes wrong in a load: a package for which the linker delivers nothing may
+    // show the content of the one before it. This one knows, and loads again.
+    void load() {
+        for (int attempt = 0; attempt < 2; ++attempt) {
+            material_ = loadMaterial();
+            isSound_ = !wasHit();
+            if (isSound_) break;
+        }
+        values_.clear();
+    }
+
+    void edit(const char* identifier, int value) {
+        values_[identifier] = value;
+        if (material_) setValue(material_, identifier, value);
+    }
+
+    void request() {
+        const auto cached = material_ ? material_->getCachedTexture() : nullptr;
+        pictures_.push_back(material_ ? render(material_) : "none");
+        const bool isHit = wasHit();
+        const size_t index = pictures_.size() - 1;
+        if (good_.empty() || !isSound_ || pictures_[index] == good_[index]) return;
+        // An input that the engine refuses is left out of what is rendered, and all of it is rendered again.
+        if (isHit && fault_.function == "substanceHandlePushSetInput" && !isUpToDate(material_)) return;
+        EXPECT_TRUE(isHit) << "nothing failed in it, but it gave " << pictures_[index] << ", not "
+                           << good_[index];
+        EXPECT_EQ(pictures_[index], picture(cached)) << "lost, and not the new one";
+    }
+
+    // From here on nothing fails any more, but for what hosts cannot notice.
+    void repair() {
+        if (fault_.how == Failing::Once || fault_.call == 0) return;
+        const bool isEnding = fault_.function.find("Release") != std::string::npos ||
+                              fault_.function.find("Free") != std::string::npos;
+        if (isEnding) return;
+        recording::fail(fault_.function, 0);
+        if (isSound_) return;
+        const std::map<std::string, int> values = values_;
+        load();
+        for (const auto& [identifier, value] : values) edit(identifier.c_str(), value);
+    }
+
+    const std::vector<std::string> good_;
+    const Fault fault_;
+    kv::Reference<Substance> material_;
+    bool isSound_ = false; // made of the packages that were given
+    std::map<std::string, int> values_;
+    std::vector<std::string> pictures_;
+    std::string trace_;
+};
+
+} // namespace
+
+TEST_F(PlatformTest, EveryCallMayFailOnceOrFromThereOn) {
+    Session first({}, {"", 0, Failing::Once});
+    const std::vector<std::string> good = first.run();
+    const std::map<std::string, unsigned int> counts = countCalls(first.trace());
+    ASSERT_EQ(counts.size(), 25u) << "a function that is never called, or an unknown one";
+    EXPECT_EQ(good.back(),
+              "top.Output of bottom.$seed Integer, 7; bottom.scale Float, 6; top.amount Float, 2");
+    end();
+
+    unsigned int sum = 0;
+    for (const auto& [function, count] : counts) {
+        for (const Failing how : {Failing::Once, Failing::FromThere}) {
+            for (unsigned int call = 1; call <= count; ++call) {
+                SCOPED_TRACE(function + ", call " + std::to_string(call) +
+                             (how == Failing::Once ? "" : " on"));
+                begin();
+                Session session(good, {function, call, how});
+                EXPECT_EQ(session.run().back(), good.back());
+                EXPECT_TRUE(session.trace().find(" = 7\n") != std::string::npos || how == Failing::FromThere);
+                end();
+                if (HasFailure()) return;
+            }
+        }
+        std::cout << "  " << function << " failed at " << count << " calls, once and from there on\n";
+        sum += count;
+    }
+    std::cout << "  " << sum << " calls, " << 2 * sum << " sessions\n";
+    RecordProperty("calls", static_cast<int>(sum));
+}
+
+} // namespace faults

@@ -1,0 +1,164 @@
+// Engines that report at odd times, from odd threads, too often, or not what was asked for. What an engine
+// may not do, for nobody could tell it from a good one: hand back a job that it was not given (but null),
+// name an output of another handle, or report after its start has returned.
+#include "tests/faults/platform/Host.h"
+#include "tests/recording/RecordingState.h"
+
+#include <stdexcept>
+#include <thread>
+#include <vector>
+
+namespace faults {
+
+using recording::Start;
+using recording::Texture;
+
+namespace {
+
+// What the request with the odd start gives. A picture that was kept comes with the next request, or, where
+// the engine cannot do better, with the next change.
+enum class Outcome { New, Kept, KeptUntilEdited };
+
+constexpr unsigned int unknown = 99;
+
+struct OddStart {
+    const char* name;
+    Outcome outcome;
+    std::vector<unsigned int> outputs; // that are reported, in this order, each from a thread of its own
+    unsigned int status = 0;
+    enum { InOrder, AtOnce, ForNobody, Recomputed } how = InOrder;
+    Texture texture = {200, 1, -1, true, {}};
+
+    unsigned int operator()(const Start& start) const {
+        std::vector<std::thread> threads;
+        for (const unsigned int output : outputs) {
+            const recording::Report report{output, how == ForNobody ? nullptr : start.reports.front().job};
+            if (how == Recomputed) start.handle->computed.emplace(output, "again"); // when it was fetched
+            threads.emplace_back([&start, report] { start.report(report); });
+            if (how != AtOnce) threads.back().join();
+        }
+        for (std::thread& thread : threads)
+            if (thread.joinable()) thread.join();
+        return status;
+    }
+};
+
+const OddStart oddStarts[] = {
+    {"in reverse, each four times, at once", Outcome::New, {3, 2, 3, 2, 3, 2, 3, 2}, 0, OddStart::AtOnce},
+    {"again, with another texture", Outcome::New, {2, 3, 2, 3}, 0, OddStart::Recomputed},
+    {"an unknown one as well", Outcome::New, {unknown, 2, 3, unknown}},
+    {"nothing but an unknown one", Outcome::Kept, {unknown}},
+    {"what was not asked for", Outcome::New, {0, 1, 2, 3}},
+    {"for nobody", Outcome::Kept, {2, 3}, 0, OddStart::ForNobody},
+    {"nothing", Outcome::Kept, {}},
+    {"not the one that shows", Outcome::Kept, {2}},
+    {"everything, and that it failed", Outcome::New, {2, 3}, 7},
+    {"half of it, and that it failed", Outcome::Kept, {2}, 7},
+    {"nothing, and that it failed", Outcome::Kept, {}, 7},
+    {"no buffers", Outcome::Kept, {2, 3}, 0, OddStart::InOrder, {200, 1, -1, false, {}}},
+    {"no columns", Outcome::Kept, {2, 3}, 0, OddStart::InOrder, {0, 8, -1, true, {}}},
+    {"no rows", Outcome::Kept, {2, 3}, 0, OddStart::InOrder, {8, 0, -1, true, {}}},
+    {"another size", Outcome::New, {2, 3}, 0, OddStart::InOrder, {65535, 2, -1, true, {}}},
+    {"another format", Outcome::KeptUntilEdited, {2, 3}, 0, OddStart::InOrder, {200, 1, 16, true, {}}},
+};
+
+} // namespace
+
+TEST_F(PlatformTest, ReportsMayComeInAnyWayOrNotAtAll) {
+    const auto material = loadMaterial();
+    int value = 1;
+    std::string before = render(material);
+    for (const OddStart& odd : oddStarts) {
+        SCOPED_TRACE(odd.name);
+        const auto expected = [&value] {
+            return "top.Output of bottom.$seed Integer, 3; bottom.scale Float, " + std::to_string(value) +
+                   "; top.amount Float, 0.5";
+        };
+        setValue(material, "scale", ++value);
+        recording::setTexture(odd.texture);
+        recording::onNextStart(odd);
+        EXPECT_EQ(render(material), odd.outcome == Outcome::New ? expected() : before);
+
+        recording::setTexture({200, 1, -1, true, {}});
+        EXPECT_EQ(render(material), odd.outcome == Outcome::KeptUntilEdited ? before : expected());
+        EXPECT_TRUE(isUpToDate(material));
+        EXPECT_EQ(recording::liveTextures(), 0u);
+        setValue(material, "scale", ++value); // not behind one that came too often
+        EXPECT_EQ(render(material), expected());
+        before = expected();
+    }
+}
+
+// Sixteen outputs, each reported by four threads at once.
+TEST_F(PlatformTest, ManyThreadsReportManyOutputs) {
+    std::string outputs, uids;
+    const unsigned int first = recording::freshUids(18);
+    for (unsigned int uid = first; uid < first + 16; ++uid) {
+        outputs += "<output uid='" + std::to_string(uid) + "' identifier='" +
+                   (uid == first + 15 ? "Output" : "o" + std::to_string(uid)) + "'/>";
+        uids += std::to_string(uid) + ",";
+    }
+    const std::string xml = "<sbsdescription asmuid='" + std::to_string(first + 16) +
+                            "'><graphs count='1'><graph><outputs>" + outputs +
+                            "</outputs><inputs><input uid='" + std::to_string(first + 17) +
+                            "' identifier='scale' type='0' alteroutputs='" + uids +
+                            "'/></inputs></graph></graphs></sbsdescription>";
+    const std::string bottom = recording::packageBytes(
+        recording::withFreshUids("<sbsdescription asmuid='#0'><graphs count='1'><graph>"
+                                 "<outputs><output uid='#1'/></outputs></graph></graphs>"
+                                 "</sbsdescription>"),
+        "b");
+    const std::string top = recording::packageBytes(xml, "t");
+    const auto material = kvSubstance::createSubstance(kv::vector<char>(bottom.begin(), bottom.end()),
+                                                       kv::vector<char>(top.begin(), top.end()));
+    ASSERT_TRUE(material);
+    for (int value = 1; value <= 20; ++value) {
+        setValue(material, "scale", value);
+        OddStart start{"", Outcome::New, {}, 0, OddStart::AtOnce};
+        for (unsigned int i = 0; i < 4 * 16; ++i) start.outputs.push_back(1 + i % 16);
+        recording::onNextStart(start);
+        EXPECT_EQ(render(material), "t.Output of t.scale Float, " + std::to_string(value));
+        EXPECT_TRUE(isUpToDate(material));
+        EXPECT_EQ(recording::liveTextures(), 0u);
+    }
+}
+
+namespace {
+
+// A host's listener that throws.
+class Thrower {
+public:
+    void listen() {
+        ++calls;
+        if (isThrowing) throw std::runtime_error("the host's");
+    }
+    kvRTB::FunctionVoidMember<Thrower> callback() { return {this, &Thrower::listen}; }
+
+    kvRTB::SignalBase receiver;
+    int calls = 0;
+    bool isThrowing = true;
+};
+
+} // namespace
+
+// It reaches whoever edits; the value is there, and nothing stays locked or counted as nested.
+TEST_F(PlatformTest, ListenersMayThrow) {
+    const auto material = loadMaterial();
+    kvSubstance::SubstanceInput* const scale = material->getInput("scale");
+    Thrower thrower;
+    scale->getModifiedSignal().connect(thrower.callback(), thrower.receiver);
+    for (int round = 0; round < 300; ++round) { // more than emissions may be nested
+        EXPECT_THROW(scale->setValueF(2, 0), std::runtime_error);
+        EXPECT_EQ(scale->getValueF(0), 2);
+        EXPECT_THROW(material->reset(), std::runtime_error);
+        EXPECT_EQ(scale->getValueF(0), 1);
+    }
+    thrower.isThrowing = false;
+    const int calls = thrower.calls;
+    std::thread([&] { setValue(material, "scale", 9); }).join(); // no lock is left behind on this one
+    EXPECT_EQ(thrower.calls, calls + 1);
+    EXPECT_EQ(render(material),
+              "top.Output of bottom.$seed Integer, 3; bottom.scale Float, 9; top.amount Float, 0.5");
+}
+
+} // namespace faults
