@@ -90,10 +90,14 @@ bool endsWell(const Act& act) {
 
 // The library is closed in a child: the parent's texture is all that there is.
 bool forkChildren(const Plugin& plugin, char** argv) {
-    std::string program = argv[0], ending = "return";
-    char* const again[] = {program.data(), ending.data(), argv[2], argv[3], argv[4], nullptr};
-    return endsWell([] {}) && endsWell([] { _exit(0); }) && endsWell([&] { execv(again[0], again); }) &&
-           endsWell([&] {
+    const std::string ending = argv[1];
+    std::string program = argv[0], plainly = "return";
+    char* const again[] = {program.data(), plainly.data(), argv[2], argv[3], argv[4], nullptr};
+    if (!endsWell([] {}) || !endsWell([] { _exit(0); }) || !endsWell([&] { execv(again[0], again); }))
+        return false;
+    if (ending == "fork_interrupt")
+        return true; // other threads may have left the C library's own locks taken
+    return endsWell([&] {
                if (!plugin.renderOnce()) _exit(1);
            }) &&
            endsWell([&] {
