@@ -33,7 +33,7 @@ options() {
         echo "-max_len=6144 -dict=fuzzers/dictionaries/description.txt" ;;
     gui) echo "-max_len=2048 -dict=fuzzers/dictionaries/description.txt" ;;
     state_string) echo "-max_len=1024 -dict=fuzzers/dictionaries/state_string.txt" ;;
-    source) echo "-max_len=6144 -dict=fuzzers/dictionaries/source.txt" ;;
+    source) echo "-max_len=8192 -dict=fuzzers/dictionaries/source.txt" ;;
     calls) echo "-max_len=160 -len_control=0" ;;
     verifier) echo "-max_len=64 -len_control=0" ;;
     *) return 1 ;;
@@ -87,9 +87,10 @@ for target in "${targets[@]}"; do
     log=$build/$target.log
     mkdir -p "$corpus"
     inputs=("$corpus")
-    for folder in fuzzers/corpora fuzzers/findings fuzzers/seeds $build/fuzzers/seeds; do
+    for folder in fuzzers/corpora fuzzers/findings fuzzers/seeds; do
         if [ -d "$folder/$target" ]; then inputs+=("$folder/$target"); fi
     done
+    if [ "$target" = source ]; then inputs+=(samples/tops); fi
     # shellcheck disable=SC2046 # several options
     if ! $build/bin/fuzz_"$target" $(options "$target") -max_total_time="$seconds" -timeout=25 \
             -rss_limit_mb=2048 -malloc_limit_mb=128 -print_final_stats=1 -artifact_prefix=$build/"$target"- \

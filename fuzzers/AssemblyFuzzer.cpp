@@ -7,22 +7,14 @@
 #include "embedded/program/Seams.h"
 #include "fuzzers/SmallRender.h"
 
-#include <algorithm>
-#include <vector>
-
 using namespace fuzzing;
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    constexpr std::size_t mostChoices = 256;
-    const std::vector<unsigned char> bytes(data, data + size);
-    std::vector<unsigned char> backwards(bytes.rbegin(), bytes.rend());
-    backwards.resize(std::min(size, mostChoices));
-    Choices values(backwards.data(), backwards.size());
-    if (!renderSmall(bytes.data(), bytes.size(), values)) return 0;
-
-    const auto program = embedded::decodeAssembly(bytes.data(), bytes.size());
+    Choices values = Choices::backwards(data, size);
+    if (!renderSmall(data, size, values)) return 0;
+    const auto program = embedded::decodeAssembly(data, size);
     require(embedded::findSeams(*program).size() == program->outputs.size(), "each output has its seams");
-    const auto written = embedded::encodeAssembly(*program);
+    const Bytes written = embedded::encodeAssembly(*program);
     const auto again = embedded::decodeAssembly(written.data(), written.size());
     require(again && embedded::encodeAssembly(*again) == written, "a program is written as it was read");
     return 0;

@@ -3,28 +3,23 @@
 // after its end, everything is given back once, and afterwards, with engine and linker in order again, every
 // material gets a texture of its last values.
 #include "bridge/Bridge.h"
-#include "bridge/InputCreation.h"
 #include "framework/description/PackageDesc.h"
-#include "framework/render/GraphInstance.h"
 #include "framework/render/PackageStackDesc.h"
-#include "framework/render/RenderJob.h"
-#include "fuzzers/Fuzzing.h"
-#include "fuzzers/RendererReset.h"
+#include "fuzzers/Model.h"
 #include "tests/recording/RecordingState.h"
 
 #include <boost/make_shared.hpp>
 
-#include <algorithm>
 #include <array>
-#include <memory>
+#include <iterator>
+#include <sstream>
 #include <thread>
-#include <vector>
 
 namespace {
 
 using namespace fuzzing;
 using namespace kvSubstance;
-using recording::Start;
+using SubstanceAir::PackageDesc;
 
 const char* const bottomDescription =
     "<sbsdescription asmuid='1'><graphs count='1'><graph pkgurl='pkg:/bottom' label='Bottom'><outputs>"
@@ -53,214 +48,129 @@ const char* const topDescription =
     "<input uid='32' identifier='three' type='9'/>"
     "</inputs></graph></graphs></sbsdescription>";
 
-const std::array<const char*, 19> functions = {"substanceLinkerContextInit",
-                                               "substanceLinkerContextSetCallback",
-                                               "substanceLinkerHandleInit",
-                                               "substanceLinkerHandlePushAssemblyMemory",
-                                               "substanceLinkerHandleSetOutputFormat",
-                                               "substanceLinkerConnectOutputToInput",
-                                               "substanceLinkerHandleSelectOutputs",
-                                               "substanceLinkerFuseInputs",
-                                               "substanceLinkerHandleLink",
-                                               "substanceContextInit",
-                                               "substanceContextSetCallback",
-                                               "substanceHandleInit",
-                                               "substanceHandleGetDesc",
-                                               "substanceHandleGetInputDesc",
-                                               "substanceHandleGetOutputDesc",
-                                               "substanceHandleGetOutputs",
-                                               "substanceHandlePushSetInput",
-                                               "substanceHandlePushOutputs",
-                                               "substanceHandleStart"};
+// What may fail, without the "substance" that all names begin with.
+std::vector<std::string> functions() {
+    std::istringstream names(
+        "LinkerContextInit LinkerContextSetCallback LinkerHandleInit LinkerHandlePushAssemblyMemory "
+        "LinkerHandleSetOutputFormat LinkerConnectOutputToInput LinkerHandleSelectOutputs LinkerFuseInputs "
+        "LinkerHandleLink ContextInit ContextSetCallback HandleInit HandleGetDesc HandleGetInputDesc "
+        "HandleGetOutputDesc HandleGetOutputs HandlePushSetInput HandlePushOutputs HandleStart");
+    return {std::istream_iterator<std::string>(names), {}};
+}
 
-// What the engine does in its next start in place of its work.
-std::function<unsigned int(const Start&)> oddStart(unsigned int kind) {
-    switch (kind) {
-    case 0: // stays silent
-        return [](const Start&) { return 0u; };
-    case 1: // fails when it is done
-        return [](const Start& start) {
-            start.reportAll();
-            return 7u;
-        };
-    case 2: // fails half way
-        return [](const Start& start) {
-            if (!start.reports.empty()) start.report(start.reports.front());
-            return 7u;
-        };
-    case 3: // backwards and twice
-        return [](const Start& start) {
-            for (auto report = start.reports.rbegin(); report != start.reports.rend(); ++report) {
-                start.report(*report);
-                start.report(*report);
-            }
-            return 0u;
-        };
-    case 4: // from a thread of its own
-        return [](const Start& start) {
-            std::thread([&start] { start.reportAll(); }).join();
-            return 0u;
-        };
-    case 5: // for nobody
-        return [](const Start& start) {
-            for (const auto& report : start.reports) start.report({report.output, nullptr});
-            return start.reportAll();
-        };
-    default: // what nobody asked for
-        return [](const Start& start) {
-            for (const auto& report : start.reports)
-                for (unsigned int output = 0; output < start.handle->program.outputs.size(); ++output)
-                    start.report({output, report.job});
-            return 0u;
-        };
+// What the engine does in a start in place of its work.
+enum OddStart { Silent, FailsLate, FailsHalfWay, Backwards, Threaded, ForNobody, Unasked, OddStarts };
+
+unsigned int startOddly(unsigned int how, const recording::Start& start) {
+    std::vector<recording::Report> told;
+    for (const recording::Report& each : start.reports) {
+        if (how == Silent || (how == FailsHalfWay && !told.empty())) break;
+        told.push_back(each);
+        if (how == Backwards) told.push_back(each); // and twice
+        if (how == ForNobody) told.push_back({each.output, nullptr});
+        for (unsigned int output = 0; output < start.handle->program.outputs.size(); ++output)
+            if (how == Unasked) told.push_back({output, each.job});
+    }
+    if (how == Backwards) std::reverse(told.begin(), told.end());
+    const auto tell = [&] {
+        for (const recording::Report& each : told) start.report(each);
+    };
+    if (how == Threaded)
+        std::thread(tell).join();
+    else
+        tell();
+    return how == FailsLate || how == FailsHalfWay ? 7 : 0;
+}
+
+void setTexture(Choices& choices) {
+    recording::Texture texture;
+    const unsigned int shape = choices.byte();
+    texture.width = shape % 5;
+    texture.height = shape / 5 % 5;
+    texture.hasBuffer = shape / 25 % 4 != 0;
+    texture.format = static_cast<int>(choices.below(3)) - 1;
+    recording::setTexture(texture);
+}
+
+void setValue(SubstanceInput& input, Choices& choices) {
+    const auto numbers = choices.raw<std::array<signed char, 4>>();
+    for (int k = 0; k < (input.getType() & 7); ++k) {
+        const signed char number = numbers.at(static_cast<std::size_t>(k));
+        if (input.getType() & 0x20)
+            input.setValueI(number, k);
+        else
+            input.setValueF(static_cast<float>(number) / 4, k);
     }
 }
 
-bool isOf(const SubstanceAir::GraphInstance& graph, const SubstanceAir::RenderJob& job) {
-    return std::any_of(job.outputs.begin(), job.outputs.end(), [&](const auto* output) {
-        return output->desc.identifier == "Output" &&
-               std::any_of(graph.outputs.begin(), graph.outputs.end(),
-                           [&](const auto& own) { return own.get() == output; });
-    });
+void setImage(SubstanceAir::GraphInstance& graph, unsigned int side) {
+    static constexpr std::array<unsigned char, 8> pixels = {1, 2, 3, 4, 5, 6, 7, 8};
+    auto& mask = dynamic_cast<SubstanceAir::InputInstanceImage&>(*graph.findInput("mask"));
+    const SubstanceTextureInput image{pixels.data(), static_cast<unsigned short>(side), 1, 0, 0, 1};
+    mask.setImage(side == 0 ? nullptr : boost::make_shared<SubstanceAir::InputImage>(image));
 }
-
-// Gives the textures of each start their number as pixels, and notes in which one the graph's texture was
-// asked for with that value of "pick".
-class Watch {
-public:
-    Watch(const SubstanceAir::GraphInstance& graph, float pick)
-        : graph_(graph)
-        , pick_(pick) {
-        watchNext();
-    }
-    ~Watch() { recording::onNextStart(nullptr); }
-    Watch(const Watch&) = delete;
-    Watch& operator=(const Watch&) = delete;
-
-    unsigned int pixelsOfPick() const { return pixelsOfPick_; }
-
-private:
-    void watchNext() {
-        recording::onNextStart([this](const Start& start) {
-            recording::Texture texture;
-            texture.format = 0;
-            texture.pixels = {static_cast<unsigned char>(++starts_)};
-            recording::setTexture(texture);
-            for (const auto& report : start.reports) note(*static_cast<SubstanceAir::RenderJob*>(report.job));
-            start.reportAll();
-            watchNext();
-            return 0u;
-        });
-    }
-
-    void note(const SubstanceAir::RenderJob& job) {
-        if (!isOf(graph_, job)) return;
-        for (const SubstanceAir::InputValueSnapshot& input : job.inputs) {
-            float value = 0;
-            if (input.uid != pickUid) continue;
-            std::memcpy(&value, input.value.data(), sizeof value);
-            if (value == pick_) pixelsOfPick_ = starts_;
-        }
-    }
-
-    static constexpr unsigned int pickUid = 27;
-    const SubstanceAir::GraphInstance& graph_;
-    const float pick_;
-    unsigned int starts_ = 0;
-    unsigned int pixelsOfPick_ = 0;
-};
 
 class World {
 public:
-    World()
-        : stack_(graphOf(bottomPackage()), graphOf(topPackage()), SubstanceAir::ConnectionList()) {}
+    World(PackageDesc& bottom, PackageDesc& top)
+        : bottom_(bottom)
+        , top_(top)
+        , stack_(bottom.graphs().at(0), top.graphs().at(0), SubstanceAir::ConnectionList()) {}
 
     void step(Choices& choices) {
         const unsigned int kind = choices.below(16);
-        if (kind == 0) return fail(choices);
-        if (kind == 1) return recording::onNextStart(oddStart(choices.below(7)));
+        if (kind == 0) {
+            static const std::vector<std::string> names = functions();
+            const std::string& name = names.at(choices.below(names.size()));
+            return recording::fail("substance" + name, 1 + choices.below(16));
+        }
+        if (kind == 1)
+            return recording::onNextStart([how = choices.below(OddStarts)](const recording::Start& start) {
+                return startOddly(how, start);
+            });
         if (kind == 2) return setTexture(choices);
-        if (kind == 3) return create(choices.below(slots));
-        kv::Reference<Substance>& slot = materials_[choices.below(slots)];
-        if (!slot) return;
-        // Keeps the material for the length of the step, as hosts do.
-        const kv::Reference<Substance> material = slot;
-        change(kind, material, slot, choices);
+        kv::Reference<Substance>& slot = materials_.at(choices.below(materials_.size()));
+        if (kind == 3) return create(slot);
+        if (slot) change(kind, slot, choices);
     }
 
-    // With nothing failing any more. Each start of the engine gives pixels of its own, so that a texture
-    // tells which values it was made from.
+    // With nothing failing any more. Textures hold as text what they were computed from.
     void checkThatTexturesCome() {
+        recording::Texture texture;
+        texture.width = 512;
+        texture.format = 0;
+        texture.pixels.clear();
+        recording::setTexture(texture);
+        int value = 1000; // more than setValue gives
         for (const auto& material : materials_) {
             if (!material) continue;
-            SubstanceAir::GraphInstance& graph = *material->getGraphInstances().front();
-            for (const auto& output : graph.outputs) output->enabled = true;
-            SubstanceInput* const pick = material->getInput("pick");
-            pick->setValueF(pick->getValueF(0) == 5.0f ? 6.0f : 5.0f, 0);
+            for (const auto& output : material->getGraphInstances().front()->outputs) output->enabled = true;
+            SubstanceInput* const pick = material->getInput("pick"); // alters all outputs
+            pick->setValueF(static_cast<float>(++value), 0);
             syncValueFromSubstanceInputToInputInstanceBase(material, pick);
-            const Watch watch(graph, pick->getValueF(0));
             const auto image = getTextureFromSubstance(material.get());
             require(static_cast<bool>(image), "a texture comes once nothing fails");
-            require(image->getBytes()[0] == watch.pixelsOfPick(), "the texture is of the last values");
+            const std::string text(reinterpret_cast<const char*>(image->getBytes()), 4 * texture.width);
+            require(text.find("top.pick Float, " + std::to_string(value)) != std::string::npos,
+                    "the texture is of the last values");
         }
     }
 
 private:
-    static constexpr unsigned int slots = 3;
-
-    // Read once: it takes longer than all the rest.
-    static SubstanceAir::PackageDesc& bottomPackage() {
-        static SubstanceAir::PackageDesc& package = load(bottomDescription, "bottom");
-        return package;
-    }
-    static SubstanceAir::PackageDesc& topPackage() {
-        static SubstanceAir::PackageDesc& package = load(topDescription, "top");
-        return package;
-    }
-    static SubstanceAir::PackageDesc& load(const char* description, const char* tag) {
-        const std::string bytes = recording::packageBytes(description, tag);
-        return *new SubstanceAir::PackageDesc(bytes.data(), bytes.size(), nullptr);
-    }
-
-    static const SubstanceAir::GraphDesc& graphOf(const SubstanceAir::PackageDesc& package) {
-        require(!package.graphs().empty(), "the packages load");
-        return package.graphs().front();
-    }
-
-    static void fail(Choices& choices) {
-        const char* const function = functions[choices.below(static_cast<unsigned>(functions.size()))];
-        recording::fail(function, 1 + choices.below(16));
-    }
-
-    static void setTexture(Choices& choices) {
-        recording::Texture texture;
-        const unsigned int shape = choices.byte();
-        texture.width = shape % 5;
-        texture.height = shape / 5 % 5;
-        texture.hasBuffer = shape / 25 % 4 != 0;
-        texture.format = static_cast<int>(choices.below(3)) - 1;
-        recording::setTexture(texture);
-    }
-
     // As createSubstance does it, but for the stack, which all share: there each stays to the process's end.
-    void create(unsigned int slot) {
-        const kv::Reference<Substance> material(new Substance);
-        SubstanceAir::instantiateGraphs(material->getGraphInstances(), stack_);
-        for (const auto& input : material->getGraphInstances().front()->inputs)
-            createInput(*material, *input);
-        material->setPackageURL("pkg:/stack");
-        material->setPackageDesc(&stack_, &bottomPackage(), &topPackage());
-        materials_[slot] = material;
+    void create(kv::Reference<Substance>& slot) {
+        std::vector<boost::shared_ptr<SubstanceAir::GraphInstance>> graphs;
+        SubstanceAir::instantiateGraphs(graphs, stack_);
+        slot = materialOf(graphs.at(0));
+        slot->setPackageDesc(&stack_, &bottom_, &top_);
     }
 
-    void change(unsigned int kind, const kv::Reference<Substance>& material, kv::Reference<Substance>& slot,
-                Choices& choices) {
+    void change(unsigned int kind, kv::Reference<Substance>& slot, Choices& choices) {
+        const kv::Reference<Substance> material = slot; // held for the length of the step, as hosts do
         const auto& ids = material->getInputIds();
-        SubstanceInput* const input =
-            material->getInput(ids[choices.below(static_cast<unsigned>(ids.size()))]);
+        SubstanceInput* const input = material->getInput(ids[choices.below(ids.size())]);
         SubstanceAir::GraphInstance& graph = *material->getGraphInstances().front();
-        SubstanceAir::OutputInstance& output =
-            *graph.outputs[choices.below(static_cast<unsigned>(graph.outputs.size()))];
+        SubstanceAir::OutputInstance& output = *graph.outputs.at(choices.below(graph.outputs.size()));
         switch (kind) {
         case 4:
         case 5:
@@ -282,7 +192,7 @@ private:
             held_ = output.grabResult();
             return;
         case 12:
-            return setImage(graph, choices);
+            return setImage(graph, choices.below(3));
         case 13:
             slot.reset();
             return;
@@ -291,39 +201,19 @@ private:
         }
     }
 
-    static void setValue(SubstanceInput& input, Choices& choices) {
-        const auto i = choices.raw<std::array<signed char, 4>>();
-        const std::array<float, 4> f = {static_cast<float>(i[0]) / 4, static_cast<float>(i[1]) / 4,
-                                        static_cast<float>(i[2]) / 4, static_cast<float>(i[3]) / 4};
-        const bool isInteger = (input.getType() & 0x20) != 0;
-        switch (input.getType() & 7) {
-        case 1:
-            return isInteger ? input.setValueI(i[0], 0) : input.setValueF(f[0], 0);
-        case 2:
-            return isInteger ? input.setValue2I(i[0], i[1]) : input.setValue2F(f[0], f[1]);
-        case 3:
-            return isInteger ? input.setValue3I(i[0], i[1], i[2]) : input.setValue3F(f[0], f[1], f[2]);
-        default:
-            return isInteger ? input.setValue4I(i[0], i[1], i[2], i[3])
-                             : input.setValue4F(f[0], f[1], f[2], f[3]);
-        }
-    }
-
-    static void setImage(SubstanceAir::GraphInstance& graph, Choices& choices) {
-        static constexpr std::array<unsigned char, 8> pixels = {1, 2, 3, 4, 5, 6, 7, 8};
-        auto* const mask = dynamic_cast<SubstanceAir::InputInstanceImage*>(graph.findInput("mask"));
-        require(mask != nullptr, "the mask is an image");
-        const auto side = static_cast<unsigned short>(choices.below(3));
-        const SubstanceTextureInput image{pixels.data(), side, 1, 0, 0, 1};
-        mask->setImage(side == 0 ? nullptr : boost::make_shared<SubstanceAir::InputImage>(image));
-    }
-
+    PackageDesc& bottom_;
+    PackageDesc& top_;
     SubstanceAir::PackageStackDesc stack_;
-    std::array<kv::Reference<Substance>, slots> materials_;
+    std::array<kv::Reference<Substance>, 3> materials_;
     kvString::CString saved_;
     std::unique_ptr<SubstanceAir::RenderResult> held_;
     kv::TempReference<ilSIDImage> image_;
 };
+
+PackageDesc* load(const char* description, const char* tag) {
+    const std::string bytes = recording::packageBytes(description, tag);
+    return new PackageDesc(bytes.data(), bytes.size(), nullptr);
+}
 
 // What the double never forgets by itself would fill the memory.
 void endRecording() {
@@ -339,9 +229,11 @@ void endRecording() {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     recording::reset();
+    static PackageDesc* const bottom = load(bottomDescription, "bottom"); // longer than all the rest
+    static PackageDesc* const top = load(topDescription, "top");
     {
         Choices choices(data, size);
-        World world;
+        World world(*bottom, *top);
         while (!choices.empty()) world.step(choices);
         recording::reset();
         world.checkThatTexturesCome();

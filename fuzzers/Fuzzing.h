@@ -1,18 +1,21 @@
 // What the fuzz targets share: taking an input apart, and saying what has to hold.
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <string>
-#include <type_traits>
+#include <vector>
 
 // The one function of a target. Returns 0; ends the process when something that always holds does not.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
 
 namespace fuzzing {
+
+using Bytes = std::vector<unsigned char>;
 
 inline void require(bool condition, const char* what) {
     if (condition) return;
@@ -24,59 +27,41 @@ inline void require(bool condition, const char* what) {
 class Choices {
 public:
     Choices(const std::uint8_t* data, std::size_t size)
-        : next_(data)
-        , left_(size) {}
+        : bytes_(data, data + size) {}
 
-    bool empty() const { return left_ == 0; }
-    std::size_t left() const { return left_; }
-
-    unsigned byte() {
-        if (left_ == 0) return 0;
-        --left_;
-        return *next_++;
+    // From the end of an input whose front is something else.
+    static Choices backwards(const std::uint8_t* data, std::size_t size) {
+        Choices choices(data, size);
+        std::reverse(choices.bytes_.begin(), choices.bytes_.end());
+        choices.bytes_.resize(std::min(size, std::size_t{256}));
+        return choices;
     }
-    unsigned below(unsigned count) { return count == 0 ? 0 : byte() % count; } // count: at most 256
+
+    bool empty() const { return next_ == bytes_.size(); }
+    unsigned byte() { return empty() ? 0 : bytes_[next_++]; }
+    unsigned below(std::size_t count) { return byte() % static_cast<unsigned>(count); } // at most 256
 
     // The bytes of a value, whatever they mean.
     template <class T>
     T raw() {
-        static_assert(std::is_trivially_copyable<T>::value, "made of bytes");
         T value{};
-        const std::size_t count = left_ < sizeof(T) ? left_ : sizeof(T);
-        if (count > 0) std::memcpy(static_cast<void*>(&value), next_, count);
+        const std::size_t count = std::min(bytes_.size() - next_, sizeof(T));
+        if (count > 0) std::memcpy(static_cast<void*>(&value), bytes_.data() + next_, count);
         next_ += count;
-        left_ -= count;
         return value;
     }
 
-    // Up to the separator, which is taken too, or up to the end.
-    std::string textUpTo(char separator) {
-        std::string text;
-        while (left_ > 0) {
-            const char each = static_cast<char>(byte());
-            if (each == separator) break;
-            text += each;
-        }
-        return text;
+    // Up to a zero byte, which is taken too, or up to the end: texts are passed to the library as C strings.
+    std::string text() {
+        const auto begin = bytes_.begin() + static_cast<std::ptrdiff_t>(next_);
+        const std::string taken(begin, std::find(begin, bytes_.end(), 0));
+        next_ = std::min(next_ + taken.size() + 1, bytes_.size());
+        return taken;
     }
 
 private:
-    const std::uint8_t* next_;
-    std::size_t left_;
+    Bytes bytes_;
+    std::size_t next_ = 0;
 };
-
-// Texts are passed to the library as C strings: what follows a zero byte is not part of them.
-inline std::string textOf(const std::uint8_t* data, std::size_t size) {
-    return Choices(data, size).textUpTo('\0');
-}
-
-// Reads memory so that the sanitizers see it.
-inline unsigned readAll(const void* data, std::size_t size) {
-    const auto* const bytes = static_cast<const unsigned char*>(data);
-    unsigned sum = 0;
-    for (std::size_t i = 0; i < size; ++i) sum = sum * 31 + bytes[i];
-    volatile unsigned seen = sum; // not optimised away
-    return seen;
-}
 
 } // namespace fuzzing

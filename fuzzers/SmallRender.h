@@ -5,8 +5,6 @@
 #include "fuzzers/Fuzzing.h"
 
 #include <array>
-#include <cstddef>
-#include <vector>
 
 namespace fuzzing {
 
@@ -14,8 +12,10 @@ namespace fuzzing {
 constexpr int smallLog2Width = 3;
 constexpr int smallLog2Height = 2;
 
-// Whether computing these outputs is quick enough for a fuzzer, when inputs ask for the small size.
-bool isCheap(const embedded::Program& program, const std::vector<std::size_t>& outputs);
+// All outputs of a program, by index.
+std::vector<std::size_t> allOutputs(const embedded::Program& program);
+
+// Whether computing them is quick enough for a fuzzer, when inputs ask for the small size.
 bool isCheap(const embedded::Program& program);
 
 // The inputs that decide about the size of any node: one flag for each. And the value that makes it small.

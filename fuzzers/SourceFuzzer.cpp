@@ -4,11 +4,10 @@
 #include "embedded/program/Assembly.h"
 #include "embedded/program/Package.h"
 #include "framework/description/PackageDesc.h"
-#include "fuzzers/RendererReset.h"
+#include "fuzzers/Model.h"
 #include "fuzzers/SmallRender.h"
 
-#include <algorithm>
-#include <optional>
+#include <set>
 #include <string_view>
 
 namespace {
@@ -21,31 +20,26 @@ void checkDiagnostics(const embedded::CompileResult& result) {
     for (const Diagnostic& diagnostic : result.diagnostics) {
         hasErrors = hasErrors || diagnostic.severity == Diagnostic::Severity::Error;
         require(diagnostic.place.line >= 1 && diagnostic.place.column >= 1, "places are counted from 1");
-        require(!embedded::toString(diagnostic, "source.xml").empty(), "a diagnostic is a text");
     }
     require(hasErrors == result.package.empty(), "there is a package, or an error");
     require(!hasErrors || result.outputs.empty(), "nothing is stated about a broken source");
 }
 
-// Every output that is described is one of the program's.
-void checkDescribed(const std::vector<unsigned char>& package, const embedded::Program& program,
-                    std::size_t outputCount) {
+// The library loads the package, and whatever is described is in the program.
+void checkDescribed(const Bytes& package, const embedded::Program& program, std::size_t outputCount) {
     const SubstanceAir::PackageDesc loaded(package.data(), package.size(), nullptr);
     require(!loaded.graphs().empty() && loaded.asmUid() == program.uid, "the library loads the package");
+    std::set<unsigned int> outputs;
+    std::set<std::pair<unsigned int, unsigned int>> inputs; // with their types
+    for (const auto& output : program.outputs) outputs.insert(output.uid);
+    for (const auto& input : program.inputs) inputs.emplace(input.uid, static_cast<unsigned int>(input.type));
     std::size_t described = 0;
     for (const SubstanceAir::GraphDesc& graph : loaded.graphs()) {
         described += graph.outputs.size();
-        for (const SubstanceAir::OutputDesc& output : graph.outputs)
-            require(std::any_of(program.outputs.begin(), program.outputs.end(),
-                                [&](const auto& each) { return each.uid == output.uid; }),
-                    "a described output is in the program");
+        for (const auto& output : graph.outputs)
+            require(outputs.count(output.uid) > 0, "a described output is in the program");
         for (const auto& input : graph.inputs)
-            require(std::any_of(program.inputs.begin(), program.inputs.end(),
-                                [&](const auto& each) {
-                                    return each.uid == input->uid &&
-                                           static_cast<unsigned>(each.type) == input->type;
-                                }),
-                    "a described input is in the program, with its type");
+            require(inputs.count({input->uid, input->type}) > 0, "a described input is in the program");
     }
     require(described == outputCount, "every output is described");
 }
@@ -58,15 +52,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     checkDiagnostics(result);
     if (result.package.empty()) return 0;
     require(embedded::compilePackage(source).package == result.package, "compiling is repeatable");
-
     const auto package = embedded::decodePackage(result.package.data(), result.package.size());
     require(package.has_value(), "a package can be read");
-    const auto program = embedded::decodeAssembly(package->assembly.data(), package->assembly.size());
-    require(program.has_value(), "an assembly holds to the verifier's rules");
-    checkDescribed(result.package, *program, result.outputs.size());
-    resetRenderer();
-
     Choices values(data, size);
     require(renderSmall(package->assembly.data(), package->assembly.size(), values), "the engine runs it");
+    const auto program = embedded::decodeAssembly(package->assembly.data(), package->assembly.size());
+    checkDescribed(result.package, *program, result.outputs.size());
+    resetRenderer();
     return 0;
 }

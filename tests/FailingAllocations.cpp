@@ -5,43 +5,29 @@
 #include <cstdint>
 #include <cstdlib>
 #include <limits>
-#include <mutex>
 #include <new>
-
-#if defined(__GLIBC__)
-#include <execinfo.h>
-#endif
 
 namespace allocations {
 
 namespace {
 
 constexpr long never = std::numeric_limits<long>::max();
-constexpr int deepest = 64; // frames of a stack that are kept
-constexpr int ownFrames = 3;
 constexpr std::size_t ordinary = alignof(std::max_align_t);
 
 std::atomic<long> left{never}; // allocations before the one that fails
 std::atomic<bool> isLasting{false};
 std::atomic<long> failed{0};
 std::atomic<long> living{0};
+std::atomic<std::size_t> held{0}; // bytes
+std::atomic<std::size_t> mostHeld{0};
+std::atomic<std::size_t> heldBefore{0};
 std::atomic<bool (*)()> exemption{nullptr};
-
-struct Trace {
-    Trace* next;
-    Trace* previous;
-    int depth;
-    void* frames[deepest];
-};
-std::atomic<bool> isTracing{false};
-std::mutex tracesMutex;
-Trace* traces = nullptr;
 
 // In front of each block.
 struct Header {
-    Trace* trace;
-    std::uint32_t padding; // from the beginning of the memory to the block
-    std::uint32_t counts;
+    void* memory; // which the block is a part of
+    std::size_t size;
+    bool counts;
 };
 
 bool isRefused() {
@@ -52,50 +38,25 @@ bool isRefused() {
     return true;
 }
 
-#if defined(__GLIBC__)
-__attribute__((noinline)) Trace* makeTrace() {
-    auto* const trace = static_cast<Trace*>(std::malloc(sizeof(Trace)));
-    trace->depth = backtrace(trace->frames, deepest);
-    const std::lock_guard<std::mutex> lock(tracesMutex);
-    trace->previous = nullptr;
-    trace->next = traces;
-    if (traces) traces->previous = trace;
-    traces = trace;
-    return trace;
-}
-#else
-Trace* makeTrace() {
-    return nullptr;
-}
-#endif
-
-void endTrace(Trace* trace) {
-    const std::lock_guard<std::mutex> lock(tracesMutex);
-    (trace->previous ? trace->previous->next : traces) = trace->next;
-    if (trace->next) trace->next->previous = trace->previous;
-    std::free(trace);
+void addToCounts(std::size_t size) {
+    ++living;
+    const std::size_t now = held += size;
+    for (std::size_t most = mostHeld; most < now && !mostHeld.compare_exchange_weak(most, now);) {
+    }
 }
 
-#if defined(__GNUC__)
-__attribute__((noinline))
-#endif
 void* allocate(std::size_t size, std::size_t alignment) {
     const auto isExempt = exemption.load();
     const bool counts = !isExempt || !isExempt();
     if (counts && isRefused()) return nullptr;
-    const std::size_t padding = alignment > sizeof(Header) ? alignment : sizeof(Header);
-    if (size > std::numeric_limits<std::size_t>::max() - padding - alignment) return nullptr;
-    const std::size_t whole = (padding + size + alignment - 1) / alignment * alignment;
-#if defined(_WIN32)
-    void* const memory = _aligned_malloc(whole, alignment);
-#else
-    void* const memory = std::aligned_alloc(alignment, whole);
-#endif
+    const std::size_t extra = sizeof(Header) + alignment;
+    if (size > std::numeric_limits<std::size_t>::max() - extra) return nullptr;
+    void* const memory = std::malloc(size + extra);
     if (!memory) return nullptr;
-    char* const block = static_cast<char*>(memory) + padding;
-    if (counts) ++living;
-    reinterpret_cast<Header*>(block)[-1] = {counts && isTracing ? makeTrace() : nullptr,
-                                            static_cast<std::uint32_t>(padding), counts};
+    char* const end = static_cast<char*>(memory) + extra;
+    char* const block = end - reinterpret_cast<std::uintptr_t>(end) % alignment;
+    reinterpret_cast<Header*>(block)[-1] = {memory, size, counts};
+    if (counts) addToCounts(size);
     return block;
 }
 
@@ -107,14 +68,11 @@ void* orThrow(void* block) {
 void release(void* block) {
     if (!block) return;
     const Header header = static_cast<Header*>(block)[-1];
-    if (header.counts) --living;
-    if (header.trace) endTrace(header.trace);
-    char* const memory = static_cast<char*>(block) - header.padding;
-#if defined(_WIN32)
-    _aligned_free(memory);
-#else
-    std::free(memory);
-#endif
+    if (header.counts) {
+        --living;
+        held -= header.size;
+    }
+    std::free(header.memory);
 }
 
 } // namespace
@@ -138,23 +96,13 @@ long alive() {
     return living;
 }
 
-void startTracing() {
-    const std::lock_guard<std::mutex> lock(tracesMutex);
-    for (Trace* trace = traces; trace; trace = trace->next) trace->depth = 0; // of an earlier tracing
-    isTracing = true;
+void startPeak() {
+    heldBefore = held.load();
+    mostHeld = held.load();
 }
 
-void stopTracing() {
-    isTracing = false;
-}
-
-std::vector<Stack> tracedAlive() {
-    std::vector<Stack> stacks;
-    const std::lock_guard<std::mutex> lock(tracesMutex);
-    for (const Trace* trace = traces; trace; trace = trace->next)
-        if (trace->depth > ownFrames)
-            stacks.emplace_back(trace->frames + ownFrames, trace->frames + trace->depth);
-    return stacks;
+std::size_t peak() {
+    return mostHeld - heldBefore;
 }
 
 } // namespace allocations

@@ -1,9 +1,9 @@
 // Replaces the global operators new and delete of the program it is linked into, and of the shared libraries
 // that the program loads, but on Windows, where each has its own: allocations fail at will, and those alive
-// are counted.
+// are counted, with their bytes.
 #pragma once
 
-#include <vector>
+#include <cstddef>
 
 namespace allocations {
 
@@ -19,11 +19,7 @@ void exempt(bool (*isExempt)());
 
 long alive(); // blocks
 
-using Stack = std::vector<void*>; // return addresses, the caller of the operator first
-
-// Keeps the stacks of the allocations between the two calls that count; only where the C library can tell.
-void startTracing();
-void stopTracing();
-std::vector<Stack> tracedAlive(); // of the last tracing
+void startPeak();
+std::size_t peak(); // the most bytes alive at once since then, less those alive then
 
 } // namespace allocations

@@ -3,9 +3,9 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cstring>
 #include <fstream>
+#include <functional>
 #include <iterator>
 #include <map>
 #include <set>
@@ -43,65 +43,122 @@ struct Memory {
 };
 Memory memory;
 
-// Does its work, and says that it succeeded.
-template <auto Group, auto Function>
-void alwaysSucceed(Interface& broken) {
-    (broken.*Group).*Function = [](auto... arguments) {
-        ((real.*Group).*Function)(arguments...);
-        return 0u;
-    };
-}
-
-// Says that it succeeded, and does nothing.
-template <auto Group, auto Function>
-void doNothing(Interface& broken) {
-    (broken.*Group).*Function = [](auto...) { return 0u; };
-}
+// Breaks one function. The bodies take what the function takes. What replaces the function is a pointer and
+// cannot capture its body, which is static therefore; gcc does not see that it is used.
+using Edit = std::function<void(Interface& broken)>;
 
 #define LINKER(function) &Interface::linker, &Interface::Linker::function
 #define ENGINE(function) &Interface::engine, &Interface::Engine::function
 
-void rememberThread(Interface& broken) {
-    broken.engine.handleInit = [](auto... arguments) {
-        memory.thread = std::this_thread::get_id();
-        return real.engine.handleInit(arguments...);
-    };
+template <auto Group, auto Function, class Body>
+Edit instead(Body body) {
+    return [body](Interface& broken) { (broken.*Group).*Function = body; };
 }
+
+template <auto Group, auto Function, class Body>
+Edit before(Body body) {
+    [[maybe_unused]] static const Body first = body;
+    return instead<Group, Function>([](auto... arguments) {
+        first(arguments...);
+        return ((real.*Group).*Function)(arguments...);
+    });
+}
+
+template <auto Group, auto Function, class Body>
+Edit afterSuccess(Body body) {
+    [[maybe_unused]] static const Body then = body;
+    return instead<Group, Function>([](auto... arguments) {
+        const unsigned int status = ((real.*Group).*Function)(arguments...);
+        if (status == 0) then(arguments...);
+        return status;
+    });
+}
+
+// Does nothing under the condition.
+template <unsigned int Status, auto Group, auto Function, class Condition>
+Edit returnIf(Condition condition) {
+    [[maybe_unused]] static const Condition isMet = condition;
+    return instead<Group, Function>([](auto... arguments) {
+        return isMet(arguments...) ? Status : ((real.*Group).*Function)(arguments...);
+    });
+}
+
+// Does its work, and says that it failed under the condition.
+template <auto Group, auto Function, class Condition>
+Edit complainIf(Condition condition) {
+    [[maybe_unused]] static const Condition isMet = condition;
+    return instead<Group, Function>([](auto... arguments) {
+        const unsigned int status = ((real.*Group).*Function)(arguments...);
+        return isMet(arguments...) ? 1u : status;
+    });
+}
+
+template <auto Group, auto Function>
+Edit alwaysSucceed() {
+    return instead<Group, Function>([](auto... arguments) {
+        ((real.*Group).*Function)(arguments...);
+        return 0u;
+    });
+}
+
+template <auto Group, auto Function>
+Edit doNothing() {
+    return instead<Group, Function>([](auto...) { return 0u; });
+}
+
+const auto borrow = [](const void* handle, const void* data, size_t size) {
+    memory.borrowed[handle] = {data, std::string(static_cast<const char*>(data), size)};
+};
+
+const auto hasChanged = [](auto handle, auto...) {
+    const auto& [data, copy] = memory.borrowed[handle];
+    return std::memcmp(data, copy.data(), copy.size()) != 0;
+};
+
+const Edit rememberThread =
+    before<ENGINE(handleInit)>([](auto...) { memory.thread = std::this_thread::get_id(); });
+
+const auto isForeignThread = [](auto...) { return memory.thread != std::this_thread::get_id(); };
+
+const Edit tellRunning = instead<ENGINE(start)>([](auto... arguments) {
+    memory.isRunning = true;
+    const unsigned int status = real.engine.start(arguments...);
+    memory.isRunning = false;
+    return status;
+});
+
+const auto isRunning = [](auto...) { return memory.isRunning; };
 
 // The linker's callbacks with other arguments.
 template <int IndexOffset, bool NamesHandle>
-void otherDelivery(Interface& broken) {
-    broken.linker.contextSetCallback = [](auto context, auto kind, auto callback) {
-        if (kind != SubstanceLinkerCallbackText)
-            return real.linker.contextSetCallback(context, kind, callback);
-        memory.text = reinterpret_cast<SubstanceLinkerTextCallback>(callback);
-        const SubstanceLinkerTextCallback shim = [](auto handle, auto index, auto text) {
-            memory.text(NamesHandle ? handle : nullptr, index + IndexOffset, text);
-        };
-        return real.linker.contextSetCallback(context, kind, reinterpret_cast<SubstanceLinkerCallback>(shim));
-    };
+Edit otherDelivery() {
+    return instead<LINKER(contextSetCallback)>([](auto context, auto kind, auto callback) {
+        if (kind == SubstanceLinkerCallbackText) {
+            memory.text = reinterpret_cast<SubstanceLinkerTextCallback>(callback);
+            const SubstanceLinkerTextCallback shim = [](auto handle, auto index, auto text) {
+                memory.text(NamesHandle ? handle : nullptr, index + IndexOffset, text);
+            };
+            callback = reinterpret_cast<SubstanceLinkerCallback>(shim);
+        }
+        return real.linker.contextSetCallback(context, kind, callback);
+    });
 }
 
 // Waits with values until outputs are pushed.
-void deferInputs(Interface& broken, bool isImage) {
-    static int (*wants)(int) = nullptr;
-    wants = isImage ? [](int type) { return int(type == SubstanceInputImage); }
-                    : [](int type) { return int(type <= SubstanceInputFloat4); };
-    broken.engine.pushSetInput = [](auto handle, auto flags, auto index, auto type, auto value,
-                                    auto reserved) {
-        if (!wants(type)) return real.engine.pushSetInput(handle, flags, index, type, value, reserved);
-        Memory::Input input{index, type, value, {}};
-        if (type == SubstanceInputImage) input.image = *static_cast<const SubstanceTextureInput*>(value);
-        memory.inputs.push_back(input);
-        return 0u;
+template <bool OfImages>
+std::vector<Edit> deferInputs() {
+    const auto keep = [](auto, auto, auto index, auto type, auto value, auto) {
+        if (OfImages ? type != SubstanceInputImage : type > SubstanceInputFloat4) return false;
+        memory.inputs.push_back({index, type, value, {}});
+        if (OfImages) memory.inputs.back().image = *static_cast<const SubstanceTextureInput*>(value);
+        return true;
     };
-    broken.engine.pushOutputs = [](auto handle, auto... others) {
-        for (const auto& input : memory.inputs)
-            real.engine.pushSetInput(handle, 0, input.index, input.type,
-                                     input.type == SubstanceInputImage ? &input.image : input.value, 0);
+    const auto pushKept = [](auto handle, auto...) {
+        for (const auto& [index, type, value, image] : memory.inputs)
+            real.engine.pushSetInput(handle, 0, index, type, OfImages ? &image : value, 0);
         memory.inputs.clear();
-        return real.engine.pushOutputs(handle, others...);
     };
+    return {returnIf<0, ENGINE(pushSetInput)>(keep), before<ENGINE(pushOutputs)>(pushKept)};
 }
 
 void setFloats(SubstanceHandle* handle, float value) {
@@ -111,384 +168,173 @@ void setFloats(SubstanceHandle* handle, float value) {
         if (desc.type <= SubstanceInputFloat4) real.engine.pushSetInput(handle, 0, i, desc.type, values, 0);
 }
 
-void tellRunning(Interface& broken) {
-    broken.engine.start = [](auto... arguments) {
-        memory.isRunning = true;
-        const unsigned int status = real.engine.start(arguments...);
-        memory.isRunning = false;
-        return status;
-    };
-}
-
 struct Mutation {
     const char* clause;
-    void (*apply)(Interface& broken);
+    std::vector<Edit> edits;
 };
 
 // The example's engine and linker, with a fault each.
 const Mutation mutations[] = {
-    {"linker-version", alwaysSucceed<LINKER(contextInit)>},
-    {"linker-nulls", alwaysSucceed<LINKER(handleRelease)>},
-    {"engine-nulls", alwaysSucceed<ENGINE(start)>},
-    {"callback-kinds", alwaysSucceed<LINKER(contextSetCallback)>},
-    {"callback-kinds", alwaysSucceed<ENGINE(contextSetCallback)>},
-    {"broken-packages", alwaysSucceed<LINKER(push)>},
-    {"broken-assemblies", alwaysSucceed<ENGINE(handleInit)>},
-    {"delivery-in-push",
-     [](Interface& broken) {
-         broken.linker.push = [](auto... arguments) {
-             unsigned int status = 1;
-             std::thread([&] { status = real.linker.push(arguments...); }).join();
-             return status;
-         };
-     }},
-    {"delivery-index", otherDelivery<1, true>},
-    {"delivery-handle", otherDelivery<0, false>},
+    {"linker-version", {alwaysSucceed<LINKER(contextInit)>()}},
+    {"linker-nulls", {alwaysSucceed<LINKER(handleRelease)>()}},
+    {"engine-nulls", {alwaysSucceed<ENGINE(start)>()}},
+    {"callback-kinds", {alwaysSucceed<LINKER(contextSetCallback)>()}},
+    {"callback-kinds", {alwaysSucceed<ENGINE(contextSetCallback)>()}},
+    {"broken-packages", {alwaysSucceed<LINKER(push)>()}},
+    {"broken-assemblies", {alwaysSucceed<ENGINE(handleInit)>()}},
+    {"delivery-in-push", {instead<LINKER(push)>([](auto... arguments) {
+         unsigned int status = 1;
+         std::thread([&] { status = real.linker.push(arguments...); }).join();
+         return status;
+     })}},
+    {"delivery-index", {otherDelivery<1, true>()}},
+    {"delivery-handle", {otherDelivery<0, false>()}},
     {"delivery-removal",
-     [](Interface& broken) {
-         broken.linker.contextSetCallback = [](auto context, auto kind, auto callback) {
-             return callback ? real.linker.contextSetCallback(context, kind, callback) : 0u;
-         };
-     }},
-    {"description-matches",
-     [](Interface& broken) {
-         broken.engine.getInputDesc = [](auto handle, auto index, auto desc) {
-             const unsigned int status = real.engine.getInputDesc(handle, index, desc);
-             ++desc->uid;
-             return status;
-         };
-     }},
-    {"bare-assembly",
-     [](Interface& broken) {
-         broken.linker.push = [](auto handle, auto data, auto size) {
-             return size > 0 && *static_cast<const char*>(data) == 'o' ? 1u
-                                                                       : real.linker.push(handle, data, size);
-         };
-     }},
-    {"push-copies",
-     [](Interface& broken) {
-         broken.linker.push = [](auto handle, auto data, auto size) {
-             memory.borrowed[handle] = {data, std::string(static_cast<const char*>(data), size)};
-             return real.linker.push(handle, data, size);
-         };
-         broken.linker.link = [](auto handle, auto data, auto size) {
-             const auto& [pointer, copy] = memory.borrowed[handle];
-             return std::memcmp(pointer, copy.data(), copy.size()) ? 1u
-                                                                   : real.linker.link(handle, data, size);
-         };
-     }},
-    {"failed-push", alwaysSucceed<LINKER(link)>},
-    {"empty-link",
-     [](Interface& broken) {
-         broken.linker.link = [](auto handle, auto data, auto size) {
-             const unsigned int status = real.linker.link(handle, data, size);
-             if (status != 0) *size = 1;
-             return status;
-         };
-     }},
-    {"link-result",
-     [](Interface& broken) {
-         broken.linker.link = [](auto handle, auto data, auto size) {
-             const unsigned int status = real.linker.link(handle, data, size);
-             *data = static_cast<unsigned char*>(std::memcpy(memory.linked, *data, *size));
-             return status;
-         };
-     }},
-    {"linker-handles",
-     [](Interface& broken) {
-         broken.linker.link = [](auto handle, auto data, auto size) { // always the first result
-             const unsigned int status = real.linker.link(handle, data, size);
-             if (memory.linkedSize == 0) std::memcpy(memory.linked, *data, memory.linkedSize = *size);
-             *data = reinterpret_cast<unsigned char*>(memory.linked);
-             *size = memory.linkedSize;
-             return status;
-         };
-     }},
+     {returnIf<0, LINKER(contextSetCallback)>([](auto, auto, auto callback) { return !callback; })}},
+    {"description-matches", {afterSuccess<ENGINE(getInputDesc)>([](auto, auto, auto desc) { ++desc->uid; })}},
+    {"bare-assembly", {returnIf<1, LINKER(push)>([](auto, auto data, auto size) {
+         return size > 0 && *static_cast<const char*>(data) == 'o';
+     })}},
+    {"push-copies", {before<LINKER(push)>(borrow), returnIf<1, LINKER(link)>(hasChanged)}},
+    {"failed-push", {alwaysSucceed<LINKER(link)>()}},
+    {"empty-link", {instead<LINKER(link)>([](auto handle, auto data, auto size) {
+         const unsigned int status = real.linker.link(handle, data, size);
+         if (status != 0) *size = 1;
+         return status;
+     })}},
+    {"link-result", {afterSuccess<LINKER(link)>([](auto, auto data, auto size) {
+         *data = static_cast<unsigned char*>(std::memcpy(memory.linked, *data, *size));
+     })}},
+    {"linker-handles", {afterSuccess<LINKER(link)>([](auto, auto data, auto size) { // the first result
+         if (memory.linkedSize == 0) std::memcpy(memory.linked, *data, memory.linkedSize = *size);
+         *data = reinterpret_cast<unsigned char*>(memory.linked);
+         *size = memory.linkedSize;
+     })}},
     {"linker-context-release",
-     [](Interface& broken) {
-         broken.linker.handleInit = [](auto... arguments) {
-             ++memory.handles;
-             return real.linker.handleInit(arguments...);
-         };
-         broken.linker.handleRelease = [](auto handle) {
-             --memory.handles;
-             return real.linker.handleRelease(handle);
-         };
-         broken.linker.contextRelease = [](auto context) {
-             real.linker.contextRelease(context);
-             return memory.handles > 0 ? 1u : 0u;
-         };
-     }},
-    {"format", doNothing<LINKER(setOutputFormat)>},
-    {"mipmaps",
-     [](Interface& broken) {
-         broken.linker.setOutputFormat = [](auto handle, auto uid, auto format, auto mipmaps) {
-             return real.linker.setOutputFormat(handle, uid, format, mipmaps + 1);
-         };
-     }},
-    {"format-refusals", alwaysSucceed<LINKER(setOutputFormat)>},
-    {"connect-order",
-     [](Interface& broken) {
-         broken.linker.connect = [](auto handle, auto input, auto output) {
-             return real.linker.connect(handle, output, input);
-         };
-     }},
-    {"connect-removes", doNothing<LINKER(connect)>},
-    {"connect-shows", doNothing<LINKER(connect)>},
-    {"connect-refusals", alwaysSucceed<LINKER(connect)>},
-    {"select", [](Interface& broken) { broken.linker.selectOutputs = [](auto...) { return 1u; }; }},
-    {"fuse-first",
-     [](Interface& broken) {
-         broken.linker.fuse = [](auto handle, auto first, auto second) {
-             return real.linker.fuse(handle, second, first);
-         };
-     }},
-    {"fuse-drives", doNothing<LINKER(fuse)>},
-    {"fuse-types", alwaysSucceed<LINKER(fuse)>},
+     {before<LINKER(handleInit)>([](auto...) { ++memory.handles; }),
+      before<LINKER(handleRelease)>([](auto...) { --memory.handles; }),
+      complainIf<LINKER(contextRelease)>([](auto...) { return memory.handles > 0; })}},
+    {"format", {doNothing<LINKER(setOutputFormat)>()}},
+    {"mipmaps", {instead<LINKER(setOutputFormat)>([](auto handle, auto uid, auto format, auto mipmaps) {
+         return real.linker.setOutputFormat(handle, uid, format, mipmaps + 1);
+     })}},
+    {"format-refusals", {alwaysSucceed<LINKER(setOutputFormat)>()}},
+    {"connect-order", {instead<LINKER(connect)>([](auto handle, auto input, auto output) {
+         return real.linker.connect(handle, output, input);
+     })}},
+    {"connect-removes", {doNothing<LINKER(connect)>()}},
+    {"connect-shows", {doNothing<LINKER(connect)>()}},
+    {"connect-refusals", {alwaysSucceed<LINKER(connect)>()}},
+    {"select", {instead<LINKER(selectOutputs)>([](auto...) { return 1u; })}},
+    {"fuse-first", {instead<LINKER(fuse)>([](auto handle, auto first, auto second) {
+         return real.linker.fuse(handle, second, first);
+     })}},
+    {"fuse-drives", {doNothing<LINKER(fuse)>()}},
+    {"fuse-types", {alwaysSucceed<LINKER(fuse)>()}},
     {"assembly-copied",
-     [](Interface& broken) {
-         broken.engine.handleInit = [](auto handle, auto context, auto bytes, auto size, auto flags) {
-             const unsigned int status = real.engine.handleInit(handle, context, bytes, size, flags);
-             memory.borrowed[*handle] = {bytes, std::string(bytes, bytes + size)};
-             return status;
-         };
-         broken.engine.start = [](auto handle, auto flags) {
-             const auto& [pointer, copy] = memory.borrowed[handle];
-             return std::memcmp(pointer, copy.data(), copy.size()) ? 1u : real.engine.start(handle, flags);
-         };
-     }},
-    {"unknown-indices", alwaysSucceed<ENGINE(getInputDesc)>},
-    {"unknown-indices", alwaysSucceed<ENGINE(pushSetInput)>},
+     {afterSuccess<ENGINE(handleInit)>(
+          [](auto handle, auto, auto bytes, auto size, auto) { borrow(*handle, bytes, size); }),
+      returnIf<1, ENGINE(start)>(hasChanged)}},
+    {"unknown-indices", {alwaysSucceed<ENGINE(getInputDesc)>()}},
+    {"unknown-indices", {alwaysSucceed<ENGINE(pushSetInput)>()}},
     {"parent-context",
-     [](Interface& broken) {
-         broken.engine.getParentContext = [](auto) { return static_cast<SubstanceContext*>(nullptr); };
-     }},
+     {instead<ENGINE(getParentContext)>([](auto) { return static_cast<SubstanceContext*>(nullptr); })}},
     {"engine-handles",
-     [](Interface& broken) {
-         broken.engine.handleInit = [](auto handle, auto... others) {
-             const unsigned int status = real.engine.handleInit(handle, others...);
-             memory.engineHandles.insert(*handle);
-             return status;
+     {afterSuccess<ENGINE(handleInit)>([](auto handle, auto...) { memory.engineHandles.insert(*handle); }),
+      before<ENGINE(handleRelease)>([](auto handle) { memory.engineHandles.erase(handle); }),
+      before<ENGINE(pushSetInput)>([](auto, auto... others) {
+          for (auto* const each : memory.engineHandles) real.engine.pushSetInput(each, others...);
+      })}},
+    {"any-thread", {rememberThread, returnIf<1, ENGINE(start)>(isForeignThread)}},
+    {"completion-once", {instead<ENGINE(contextSetCallback)>([](auto context, auto kind, auto callback) {
+         memory.completed = reinterpret_cast<SubstanceOutputCompletedCallback>(callback);
+         const SubstanceOutputCompletedCallback twice = [](auto... arguments) {
+             memory.completed(arguments...);
+             memory.completed(arguments...);
          };
-         broken.engine.handleRelease = [](auto handle) {
-             memory.engineHandles.erase(handle);
-             return real.engine.handleRelease(handle);
-         };
-         broken.engine.pushSetInput = [](auto, auto... others) {
-             unsigned int status = 0;
-             for (auto* const each : memory.engineHandles)
-                 status |= real.engine.pushSetInput(each, others...);
-             return status;
-         };
-     }},
-    {"any-thread",
-     [](Interface& broken) {
-         rememberThread(broken);
-         broken.engine.start = [](auto... arguments) {
-             return memory.thread == std::this_thread::get_id() ? real.engine.start(arguments...) : 1u;
-         };
-     }},
-    {"completion-once",
-     [](Interface& broken) {
-         broken.engine.contextSetCallback = [](auto context, auto kind, auto callback) {
-             memory.completed = reinterpret_cast<SubstanceOutputCompletedCallback>(callback);
-             const SubstanceOutputCompletedCallback twice = [](auto... arguments) {
-                 memory.completed(arguments...);
-                 memory.completed(arguments...);
-             };
-             return real.engine.contextSetCallback(context, kind, reinterpret_cast<SubstanceCallback>(twice));
-         };
-     }},
+         return real.engine.contextSetCallback(context, kind, reinterpret_cast<SubstanceCallback>(twice));
+     })}},
     {"completion-in-start",
-     [](Interface& broken) {
-         broken.engine.pushOutputs = [](auto handle, auto... others) {
-             const unsigned int status = real.engine.pushOutputs(handle, others...);
-             return status != 0 ? status : real.engine.start(handle, 0);
-         };
-     }},
-    {"release-in-callback",
-     [](Interface& broken) {
-         tellRunning(broken);
-         broken.engine.handleRelease = [](auto handle) {
-             return memory.isRunning ? 0u : real.engine.handleRelease(handle);
-         };
-     }},
+     {afterSuccess<ENGINE(pushOutputs)>([](auto handle, auto...) { real.engine.start(handle, 0); })}},
+    {"release-in-callback", {tellRunning, returnIf<0, ENGINE(handleRelease)>(isRunning)}},
     {"job-user-data",
-     [](Interface& broken) {
-         broken.engine.pushOutputs = [](auto handle, auto flags, auto uids, auto count, auto jobUserData) {
-             if (!memory.jobUserData) memory.jobUserData = jobUserData;
-             return real.engine.pushOutputs(handle, flags, uids, count, memory.jobUserData);
-         };
-     }},
+     {instead<ENGINE(pushOutputs)>([](auto handle, auto flags, auto uids, auto count, auto jobUserData) {
+         if (!memory.jobUserData) memory.jobUserData = jobUserData;
+         return real.engine.pushOutputs(handle, flags, uids, count, memory.jobUserData);
+     })}},
     {"uids-copied",
-     [](Interface& broken) {
-         broken.engine.pushOutputs = [](auto, auto, auto uids, auto, auto) {
-             memory.borrowedUids = uids;
-             return 0u;
-         };
-         broken.engine.start = [](auto handle, auto flags) {
-             real.engine.pushOutputs(handle, SubstancePushOutputUids, memory.borrowedUids, 1, nullptr);
-             return real.engine.start(handle, flags);
-         };
-     }},
+     {instead<ENGINE(pushOutputs)>([](auto, auto, auto uids, auto, auto) {
+          memory.borrowedUids = uids;
+          return 0u;
+      }),
+      before<ENGINE(start)>([](auto handle, auto) {
+          real.engine.pushOutputs(handle, SubstancePushOutputUids, memory.borrowedUids, 1, nullptr);
+      })}},
     {"unknown-outputs",
-     [](Interface& broken) {
-         broken.engine.pushOutputs = [](auto handle, auto flags, auto uids, auto count, auto jobUserData) {
-             return count > 1 ? 1u : real.engine.pushOutputs(handle, flags, uids, count, jobUserData);
-         };
-     }},
-    {"output-hints",
-     [](Interface& broken) {
-         broken.engine.pushOutputs = [](auto handle, auto, auto... others) {
-             return real.engine.pushOutputs(handle, SubstancePushOutputUids, others...);
-         };
-     }},
-    {"input-hints",
-     [](Interface& broken) {
-         broken.engine.pushSetInput = [](auto handle, auto, auto... others) {
-             return real.engine.pushSetInput(handle, SubstancePushInput, others...);
-         };
-     }},
+     {returnIf<1, ENGINE(pushOutputs)>([](auto, auto, auto, auto count, auto) { return count > 1; })}},
+    {"output-hints", {instead<ENGINE(pushOutputs)>([](auto handle, auto, auto... others) {
+         return real.engine.pushOutputs(handle, SubstancePushOutputUids, others...);
+     })}},
+    {"input-hints", {instead<ENGINE(pushSetInput)>([](auto handle, auto, auto... others) {
+         return real.engine.pushSetInput(handle, SubstancePushInput, others...);
+     })}},
     {"values-of-the-push",
-     [](Interface& broken) { // asks the engine when it starts
-         broken.engine.pushOutputs = [](auto, auto, auto uids, auto count, auto) {
-             memory.uids.assign(uids, uids + count);
-             return 0u;
-         };
-         broken.engine.start = [](auto handle, auto flags) {
-             real.engine.pushOutputs(handle, SubstancePushOutputUids, memory.uids.data(),
-                                     static_cast<unsigned int>(memory.uids.size()), nullptr);
-             return real.engine.start(handle, flags);
-         };
-     }},
+     {instead<ENGINE(pushOutputs)>([](auto, auto, auto uids, auto count, auto) { // asks when it starts
+          memory.uids.assign(uids, uids + count);
+          return 0u;
+      }),
+      before<ENGINE(start)>([](auto handle, auto) {
+          real.engine.pushOutputs(handle, SubstancePushOutputUids, memory.uids.data(),
+                                  static_cast<unsigned int>(memory.uids.size()), nullptr);
+      })}},
     {"empty-start",
-     [](Interface& broken) {
-         broken.engine.pushOutputs = [](auto... arguments) {
-             memory.isPushed = true;
-             return real.engine.pushOutputs(arguments...);
-         };
-         broken.engine.start = [](auto... arguments) {
-             return std::exchange(memory.isPushed, false) ? real.engine.start(arguments...) : 1u;
-         };
-     }},
-    {"queue-empties",
-     [](Interface& broken) {
-         broken.engine.start = [](auto handle, auto flags) {
-             const unsigned int status = real.engine.start(handle, flags);
-             SubstanceOutputDesc desc{};
-             real.engine.getOutputDesc(handle, 0, &desc);
-             real.engine.pushOutputs(handle, SubstancePushOutputUids, &desc.uid, 1, nullptr);
-             return status;
-         };
-     }},
-    {"repeatable",
-     [](Interface& broken) {
-         broken.engine.getOutputs = [](auto handle, auto flags, auto index, auto count, auto texture) {
-             const unsigned int status = real.engine.getOutputs(handle, flags, index, count, texture);
-             if (status == 0) *static_cast<unsigned char*>(texture->buffer) = ++memory.counter;
-             return status;
-         };
-     }},
-    {"value-shows", doNothing<ENGINE(pushSetInput)>},
+     {before<ENGINE(pushOutputs)>([](auto...) { memory.isPushed = true; }),
+      returnIf<1, ENGINE(start)>([](auto...) { return !std::exchange(memory.isPushed, false); })}},
+    {"queue-empties", {afterSuccess<ENGINE(start)>([](auto handle, auto) {
+         SubstanceOutputDesc desc{};
+         real.engine.getOutputDesc(handle, 0, &desc);
+         real.engine.pushOutputs(handle, SubstancePushOutputUids, &desc.uid, 1, nullptr);
+     })}},
+    {"repeatable", {afterSuccess<ENGINE(getOutputs)>([](auto, auto, auto, auto, auto texture) {
+         *static_cast<unsigned char*>(texture->buffer) = ++memory.counter;
+     })}},
+    {"value-shows", {doNothing<ENGINE(pushSetInput)>()}},
     {"defaults",
-     [](Interface& broken) {
-         broken.engine.handleInit = [](auto handle, auto... others) {
-             const unsigned int status = real.engine.handleInit(handle, others...);
-             setFloats(*handle, 0.123f);
-             return status;
-         };
-     }},
-    {"values-persist",
-     [](Interface& broken) {
-         broken.engine.start = [](auto handle, auto flags) {
-             const unsigned int status = real.engine.start(handle, flags);
-             setFloats(handle, 0.5f);
-             return status;
-         };
-     }},
-    {"value-read-at-once", [](Interface& broken) { deferInputs(broken, false); }},
-    {"wrong-type", alwaysSucceed<ENGINE(pushSetInput)>},
-    {"image-shows", doNothing<ENGINE(pushSetInput)>},
-    {"image-read-at-once", [](Interface& broken) { deferInputs(broken, true); }},
-    {"null-image",
-     [](Interface& broken) {
-         broken.engine.pushSetInput = [](auto handle, auto flags, auto index, auto type, auto value,
-                                         auto zero) {
-             const bool isNone = type == SubstanceInputImage &&
-                                 (!value || !static_cast<const SubstanceTextureInput*>(value)->pixels);
-             return isNone ? 0u : real.engine.pushSetInput(handle, flags, index, type, value, zero);
-         };
-     }},
+     {afterSuccess<ENGINE(handleInit)>([](auto handle, auto...) { setFloats(*handle, 0.123f); })}},
+    {"values-persist", {afterSuccess<ENGINE(start)>([](auto handle, auto) { setFloats(handle, 0.5f); })}},
+    {"value-read-at-once", deferInputs<false>()},
+    {"wrong-type", {alwaysSucceed<ENGINE(pushSetInput)>()}},
+    {"image-shows", {doNothing<ENGINE(pushSetInput)>()}},
+    {"image-read-at-once", deferInputs<true>()},
+    {"null-image", {returnIf<0, ENGINE(pushSetInput)>([](auto, auto, auto, auto type, auto value, auto) {
+         return type == SubstanceInputImage &&
+                (!value || !static_cast<const SubstanceTextureInput*>(value)->pixels);
+     })}},
     {"fetch-once",
-     [](Interface& broken) {
-         broken.engine.getOutputs = [](auto handle, auto flags, auto index, auto count, auto texture) {
-             const unsigned int status = real.engine.getOutputs(handle, flags, index, count, texture);
-             if (status == 0) memory.texture = *texture;
-             *texture = memory.texture;
-             return memory.texture.buffer ? 0 : status;
-         };
-         broken.engine.memoryFree = [](auto... arguments) {
-             memory.texture = {};
-             return real.engine.memoryFree(arguments...);
-         };
-     }},
-    {"fetch-in-callback",
-     [](Interface& broken) {
-         tellRunning(broken);
-         broken.engine.getOutputs = [](auto... arguments) {
-             return memory.isRunning ? 1u : real.engine.getOutputs(arguments...);
-         };
-     }},
+     {instead<ENGINE(getOutputs)>([](auto handle, auto flags, auto index, auto count, auto texture) {
+          const unsigned int status = real.engine.getOutputs(handle, flags, index, count, texture);
+          if (status == 0) memory.texture = *texture;
+          *texture = memory.texture;
+          return memory.texture.buffer ? 0 : status;
+      }),
+      before<ENGINE(memoryFree)>([](auto...) { memory.texture = {}; })}},
+    {"fetch-in-callback", {tellRunning, returnIf<1, ENGINE(getOutputs)>(isRunning)}},
     {"unfetched",
-     [](Interface& broken) {
-         broken.engine.start = [](auto... arguments) {
-             return std::exchange(memory.isUnfetched, true) ? 0u : real.engine.start(arguments...);
-         };
-         broken.engine.getOutputs = [](auto... arguments) {
-             memory.isUnfetched = false;
-             return real.engine.getOutputs(arguments...);
-         };
-     }},
+     {returnIf<0, ENGINE(start)>([](auto...) { return std::exchange(memory.isUnfetched, true); }),
+      before<ENGINE(getOutputs)>([](auto...) { memory.isUnfetched = false; })}},
     {"outlives-handle",
-     [](Interface& broken) {
-         broken.engine.getOutputs = [](auto handle, auto flags, auto index, auto count, auto texture) {
-             const unsigned int status = real.engine.getOutputs(handle, flags, index, count, texture);
-             memory.buffers.insert(texture->buffer);
-             return status;
-         };
-         broken.engine.memoryFree = [](auto context, auto buffer) {
-             memory.buffers.erase(buffer);
-             return real.engine.memoryFree(context, buffer);
-         };
-         broken.engine.handleRelease = [](auto handle) {
-             for (void* const buffer : memory.buffers) std::memset(buffer, 0, 4);
-             return real.engine.handleRelease(handle);
-         };
-     }},
+     {afterSuccess<ENGINE(getOutputs)>(
+          [](auto, auto, auto, auto, auto texture) { memory.buffers.insert(texture->buffer); }),
+      before<ENGINE(memoryFree)>([](auto, auto buffer) { memory.buffers.erase(buffer); }),
+      before<ENGINE(handleRelease)>([](auto) {
+          for (void* const buffer : memory.buffers) std::memset(buffer, 0, 4);
+      })}},
     {"outlives-context",
-     [](Interface& broken) {
-         broken.engine.contextInit = [](auto context, auto device) {
-             const unsigned int status = real.engine.contextInit(context, device);
-             memory.endedContexts.erase(*context);
-             return status;
-         };
-         broken.engine.contextRelease = [](auto context) {
-             memory.endedContexts.insert(context);
-             return real.engine.contextRelease(context);
-         };
-         broken.engine.memoryFree = [](auto context, auto buffer) {
-             const bool isEnded = memory.endedContexts.count(context) > 0;
-             return real.engine.memoryFree(context, buffer) | (isEnded ? 1u : 0u);
-         };
-     }},
-    {"free-anywhere",
-     [](Interface& broken) {
-         rememberThread(broken);
-         broken.engine.memoryFree = [](auto... arguments) {
-             const bool isForeign = memory.thread != std::this_thread::get_id();
-             return real.engine.memoryFree(arguments...) | (isForeign ? 1u : 0u);
-         };
-     }},
+     {afterSuccess<ENGINE(contextInit)>([](auto context, auto) { memory.endedContexts.erase(*context); }),
+      before<ENGINE(contextRelease)>([](auto context) { memory.endedContexts.insert(context); }),
+      complainIf<ENGINE(memoryFree)>(
+          [](auto context, auto) { return memory.endedContexts.count(context) > 0; })}},
+    {"free-anywhere", {rememberThread, complainIf<ENGINE(memoryFree)>(isForeignThread)}},
 };
 
 std::string contentOf(const std::string& name) {
@@ -503,14 +349,14 @@ protected:
 
 TEST_F(Mutations, AreCaught) {
     std::set<std::string> judged;
-    for (const Mutation& mutation : mutations) {
+    for (const auto& [clause, edits] : mutations) {
         memory = Memory();
         Interface broken = real;
-        mutation.apply(broken);
-        const Verdict verdict = judge(mutation.clause, broken, packages);
-        EXPECT_EQ(verdict.judgement, Judgement::Broken) << mutation.clause << " " << verdict.observed;
-        EXPECT_EQ(verdict.observed.rfind("expected ", 0), 0u) << mutation.clause << " " << verdict.observed;
-        judged.insert(mutation.clause);
+        for (const Edit& edit : edits) edit(broken);
+        const Verdict verdict = judge(clause, broken, packages);
+        EXPECT_EQ(verdict.judgement, Judgement::Broken) << clause << " " << verdict.observed;
+        EXPECT_EQ(verdict.observed.rfind("expected ", 0), 0u) << clause << " " << verdict.observed;
+        judged.insert(clause);
     }
     for (const Clause& clause : clauses()) EXPECT_EQ(judged.count(clause.name), 1u) << clause.name;
 }
@@ -520,54 +366,26 @@ TEST_F(Mutations, WhatCannotBeJudgedIsNotJudged) {
     const std::string empty =
         "<sbsdescription asmuid='1'><graphs><graph><outputs><output uid='1'/></outputs></graph></graphs>"
         "</sbsdescription>";
-    const struct {
-        Packages packages;
-        std::set<std::string> notJudged;
-    } cases[] = {
-        {packages, {}},
-        {{packages.bottom, ""},
-         {"connect-order", "connect-removes", "connect-shows", "connect-refusals", "fuse-first",
-          "fuse-drives", "fuse-types", "image-shows", "image-read-at-once", "null-image"}},
-        {{packages.bottom, packages.bottom},
-         {"connect-order", "connect-removes", "connect-shows", "connect-refusals", "fuse-first",
-          "fuse-drives", "fuse-types", "image-shows", "image-read-at-once", "null-image"}},
-        {{empty, ""}, {"connect-order",
-                       "connect-removes",
-                       "connect-shows",
-                       "connect-refusals",
-                       "select",
-                       "fuse-first",
-                       "fuse-drives",
-                       "fuse-types",
-                       "assembly-copied",
-                       "engine-handles",
-                       "any-thread",
-                       "job-user-data",
-                       "input-hints",
-                       "values-of-the-push",
-                       "value-shows",
-                       "defaults",
-                       "values-persist",
-                       "value-read-at-once",
-                       "wrong-type",
-                       "image-shows",
-                       "image-read-at-once",
-                       "null-image",
-                       "fetch-once",
-                       "fetch-in-callback",
-                       "unfetched",
-                       "outlives-handle",
-                       "outlives-context",
-                       "free-anywhere"}},
-    };
-    for (const auto& each : cases) {
-        std::set<std::string> notJudged;
+    const std::string withoutTop = "connect-order connect-removes connect-shows connect-refusals fuse-first "
+                                   "fuse-drives fuse-types image-shows image-read-at-once null-image ";
+    const std::pair<Packages, std::string> cases[] = {
+        {packages, ""},
+        {{packages.bottom, ""}, withoutTop},
+        {{packages.bottom, packages.bottom}, withoutTop},
+        {{empty, ""},
+         "connect-order connect-removes connect-shows connect-refusals select fuse-first fuse-drives "
+         "fuse-types assembly-copied engine-handles any-thread job-user-data input-hints values-of-the-push "
+         "value-shows defaults values-persist value-read-at-once wrong-type image-shows image-read-at-once "
+         "null-image fetch-once fetch-in-callback unfetched outlives-handle outlives-context "
+         "free-anywhere "}};
+    for (const auto& [given, expected] : cases) {
+        std::string notJudged;
         for (const Clause& clause : clauses()) {
-            const Verdict verdict = judge(clause.name, real, each.packages);
+            const Verdict verdict = judge(clause.name, real, given);
             EXPECT_NE(verdict.judgement, Judgement::Broken) << clause.name << " " << verdict.observed;
-            if (verdict.judgement == Judgement::NotJudged) notJudged.insert(clause.name);
+            if (verdict.judgement == Judgement::NotJudged) notJudged += clause.name + std::string(" ");
         }
-        EXPECT_EQ(notJudged, each.notJudged) << "case " << &each - cases;
+        EXPECT_EQ(notJudged, expected);
     }
 }
 

@@ -61,6 +61,7 @@ struct Pair {
         return text;
     }
     std::string probe() {
+        if (!material) return {};
         for (const int value : {1, 2}) {
             edit("sharpness", value);
             edit("$seed", value);
@@ -78,30 +79,37 @@ Operation operation(const char* name, Prepare prepare, Act act, bool isTexture =
                 const auto pair = std::make_shared<Pair>();
                 prepare(*pair);
                 return Scene{[pair, act] { act(*pair); }, [pair] { return pair->look(); },
-                             [pair] { return pair->material ? pair->probe() : std::string(); }};
+                             [pair] { return pair->probe(); }};
             },
             isTexture ? Promise::Silent : Promise::Strong, !isTexture};
 }
 
 const auto create = [](Pair& pair) { pair.create(); };
 const auto render = [](Pair& pair) { pair.render(); };
-const auto createAndRender = [](Pair& pair) { pair.create(), pair.render(); };
+const auto createAndRender = [](Pair& pair) {
+    pair.create();
+    pair.render();
+};
 
 // A texture after an edit.
 Operation edited(const char* name, const char* identifier) {
-    return operation(
-        name, [identifier](Pair& pair) { createAndRender(pair), pair.edit(identifier, 4); }, render);
+    const auto prepare = [identifier](Pair& pair) {
+        createAndRender(pair);
+        pair.edit(identifier, 4);
+    };
+    return operation(name, prepare, render);
 }
 
+const auto nothing = [](Pair&) {};
+const auto end = [](Pair& pair) { pair.material.reset(); };
+
 const Operation operations[] = {
-    operation(
-        "create", [](Pair&) {}, create, false),
+    operation("create", nothing, create, false),
     operation("firstTexture", create, render),
     edited("editedTexture", "tint"),
     edited("textureOfAnotherSeed", "$seed"),
     edited("textureOfAnotherSize", "$resolution"),
-    operation(
-        "endOfSubstance", createAndRender, [](Pair& pair) { pair.material.reset(); }, false),
+    operation("endOfSubstance", createAndRender, end, false),
 };
 
 // What a process makes but once is made here, when this test runs alone.
@@ -112,8 +120,7 @@ TEST(FirstUse, everyFailureIsSurvived) {
         allocations::fail(number, allocations::Failing::Once);
         try {
             createAndRender(pair);
-        } catch (const std::bad_alloc&) {
-            // as promised
+        } catch (const std::bad_alloc&) { // as promised
         }
         failed = allocations::stopFailing();
         createAndRender(pair);

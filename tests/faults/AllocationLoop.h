@@ -35,8 +35,8 @@ inline void PrintTo(const Operation& operation, std::ostream* stream) {
 }
 
 // Every allocation of the operation fails once, alone and then with all behind it; in each trial the
-// operation succeeds or fails as promised, the same call works afterwards, and nothing leaks but what the
-// table of the XML library's own leaks names. The exemption is for allocations of the test's own
+// operation succeeds or fails as promised, the same call works afterwards, and nothing leaks but what TinyXML
+// loses. The exemption is for allocations of the test's own
 // (FailingAllocations.h).
 void failEveryAllocation(const Operation& operation, bool (*isExempt)());
 

@@ -2,6 +2,8 @@
 #include "bridge/Bridge.h"
 
 #include <atomic>
+#include <string>
+#include <thread>
 
 #if defined(_WIN32)
 #define PLUGIN_API extern "C" __declspec(dllexport)
@@ -14,8 +16,14 @@ namespace {
 using Material = kv::Reference<kvSubstance::Substance>;
 
 Material material;
-Material* kept = nullptr;
+Material* kept = nullptr; // beyond the end of the static one
 std::atomic<int> renders{0};
+
+kv::vector<char> load(const char* path) {
+    kv::vector<char> content;
+    kvSubstance::readSubstanceContent(kvString::IString(path, kvString::EncodingMultibyte), content);
+    return content;
+}
 
 bool render(const Material& rendered, int coverage) {
     kvSubstance::SubstanceInput* const input = rendered->getInput("coverage");
@@ -26,26 +34,15 @@ bool render(const Material& rendered, int coverage) {
 
 } // namespace
 
-PLUGIN_API bool makeMaterial(const char* bottomPath, const char* topPath) {
-    kv::vector<char> bottom;
-    kv::vector<char> top;
-    kvSubstance::readSubstanceContent(kvString::IString(bottomPath, kvString::EncodingMultibyte), bottom);
-    kvSubstance::readSubstanceContent(kvString::IString(topPath, kvString::EncodingMultibyte), top);
-    material = kvSubstance::createSubstance(bottom, top);
-    return material && render(material, 10);
-}
-
-PLUGIN_API bool renderOnce() {
-    return render(material, 90);
-}
-
-// Beyond the end of the static material, which is kept first.
-PLUGIN_API void keepMaterial() {
-    kept = new Material(material);
-}
-PLUGIN_API void renderForEver() {
-    for (;; ++renders) render(*kept, renders % 100);
-}
-PLUGIN_API int countRenders() {
-    return renders;
+PLUGIN_API bool act(const char* name, const char* bottomPath, const char* topPath) {
+    const std::string action = name;
+    if (action == "make") {
+        material = kvSubstance::createSubstance(load(bottomPath), load(topPath));
+        return material && render(material, 10);
+    }
+    if (action == "keep") kept = new Material(material);
+    if (action == "render for ever")
+        for (;; ++renders) render(*kept, renders % 100);
+    while (action == "wait for renders" && renders < 3) std::this_thread::yield();
+    return action != "render" || render(material, 90);
 }

@@ -24,64 +24,34 @@
 
 namespace {
 
+using Act = bool(const char* action, const char* bottomPath, const char* topPath);
+
 #if defined(_WIN32)
-using Library = HMODULE;
-Library load(const char* path) {
-    return LoadLibraryA(path);
-}
-void unload(Library library) {
-    FreeLibrary(library);
-}
-void* find(Library library, const char* name) {
-    return reinterpret_cast<void*>(GetProcAddress(library, name));
-}
+const auto load = [](const char* path) { return LoadLibraryA(path); };
+const auto find = [](HMODULE library) { return reinterpret_cast<void*>(GetProcAddress(library, "act")); };
+const auto unload = [](HMODULE library) { FreeLibrary(library); };
 #else
-using Library = void*;
-Library load(const char* path) {
-    return dlopen(path, RTLD_NOW);
-}
-void unload(Library library) {
-    dlclose(library);
-}
-void* find(Library library, const char* name) {
-    return dlsym(library, name);
-}
+const auto load = [](const char* path) { return dlopen(path, RTLD_NOW); };
+const auto find = [](void* library) { return dlsym(library, "act"); };
+const auto unload = [](void* library) { dlclose(library); };
 #endif
 
 struct Plugin {
-    explicit Plugin(const char* path)
-        : library(load(path))
-        , makeMaterial(function<bool(const char*, const char*)>("makeMaterial"))
-        , renderOnce(function<bool()>("renderOnce"))
-        , keepMaterial(function<void()>("keepMaterial"))
-        , renderForEver(function<void()>("renderForEver"))
-        , countRenders(function<int()>("countRenders")) {}
-
-    template <class Signature>
-    Signature* function(const char* name) const {
-        return library ? reinterpret_cast<Signature*>(find(library, name)) : nullptr;
+    bool operator()(const char* action) const {
+        return reinterpret_cast<Act*>(find(library))(action, arguments[3], arguments[4]);
     }
-
-    void waitForRenders() const {
-        while (countRenders() < 3) std::this_thread::yield();
-    }
-
-    Library library;
-    bool (*makeMaterial)(const char*, const char*);
-    bool (*renderOnce)();
-    void (*keepMaterial)();
-    void (*renderForEver)();
-    int (*countRenders)();
+    char** arguments;
+    decltype(load("")) library = load(arguments[2]);
 };
 
 #if !defined(_WIN32)
 
 // Whether a child that does this ends by itself with status 0.
-template <class Act>
-bool endsWell(const Act& act) {
+template <class ChildAct>
+bool endsWell(const ChildAct& childAct) {
     const pid_t child = fork();
     if (child == 0) {
-        act();
+        childAct();
         std::exit(0); // static objects die, without the threads that the parent has
     }
     int status = 0;
@@ -89,61 +59,65 @@ bool endsWell(const Act& act) {
 }
 
 // The library is closed in a child: the parent's texture is all that there is.
-bool forkChildren(const Plugin& plugin, char** argv) {
-    const std::string ending = argv[1];
-    std::string program = argv[0], plainly = "return";
-    char* const again[] = {program.data(), plainly.data(), argv[2], argv[3], argv[4], nullptr};
+bool forkChildren(const Plugin& plugin, const std::string& ending) {
+    std::string plainly = "return";
+    char** const arguments = plugin.arguments;
+    char* const again[] = {arguments[0], plainly.data(), arguments[2], arguments[3], arguments[4], nullptr};
     if (!endsWell([] {}) || !endsWell([] { _exit(0); }) || !endsWell([&] { execv(again[0], again); }))
         return false;
     if (ending == "fork_interrupt")
         return true; // other threads may have left the C library's own locks taken
-    return endsWell([&] {
-               if (!plugin.renderOnce()) _exit(1);
-           }) &&
-           endsWell([&] {
-               if (plugin.makeMaterial(argv[3], argv[4])) _exit(1);
-           }) &&
-           endsWell([&] { unload(plugin.library); });
+    const auto isClosed = [&plugin](const char* action, bool succeeds) {
+        return endsWell([&] {
+            if (plugin(action) != succeeds) _exit(1);
+        });
+    };
+    return isClosed("render", true) && isClosed("make", false) && endsWell([&] { unload(plugin.library); });
+}
+
+#else
+
+bool forkChildren(const Plugin& /*plugin*/, const std::string& /*ending*/) {
+    return false;
 }
 
 #endif
+
+void end(const Plugin& plugin, const std::string& ending) {
+    const auto renderForEver = [plugin] { plugin("render for ever"); };
+    if (ending.find("load") != std::string::npos) unload(plugin.library);
+    if (ending.find("interrupt") != std::string::npos) {
+        plugin("keep");
+        std::thread(renderForEver).detach();
+        plugin("wait for renders");
+    }
+    if (ending == "exit_beside") {
+        plugin("keep");
+        std::thread([plugin] {
+            plugin("wait for renders");
+            std::exit(0);
+        }).detach();
+        renderForEver();
+    }
+    if (ending.find("fork") != std::string::npos && !forkChildren(plugin, ending)) {
+        std::cerr << "a child did not end well\n";
+        std::exit(1);
+    }
+}
 
 } // namespace
 
 int main(int argc, char** argv) {
     if (argc != 5) return 2;
     const std::string ending = argv[1];
-    for (int load = 0; load < (ending == "reload" ? 3 : 1); ++load) {
-        const Plugin plugin(argv[2]);
-        if (!plugin.library) {
-            std::cerr << argv[2] << " cannot be loaded\n";
+    for (int round = 0; round < (ending == "reload" ? 3 : 1); ++round) {
+        const Plugin plugin{argv};
+        if (!plugin.library || !plugin("make")) {
+            std::cerr << argv[2] << " cannot be loaded, or gives no texture\n";
             return 1;
         }
-        if (!plugin.makeMaterial(argv[3], argv[4])) {
-            std::cerr << "there is no texture\n";
-            return 1;
-        }
-        if (ending.find("load") != std::string::npos) unload(plugin.library);
-        if (ending.find("interrupt") != std::string::npos) {
-            plugin.keepMaterial();
-            std::thread(plugin.renderForEver).detach();
-            plugin.waitForRenders();
-        }
-        if (ending == "exit_beside") {
-            plugin.keepMaterial();
-            std::thread([plugin] {
-                plugin.waitForRenders();
-                std::exit(0);
-            }).detach();
-            plugin.renderForEver();
-        }
-#if !defined(_WIN32)
-        if (ending.find("fork") != std::string::npos && !forkChildren(plugin, argv)) {
-            std::cerr << "a child did not end well\n";
-            return 1;
-        }
-#endif
-        if (ending == "fork" && !plugin.renderOnce()) return 1;
+        end(plugin, ending);
+        if (ending == "fork" && !plugin("render")) return 1;
     }
     return 0;
 }

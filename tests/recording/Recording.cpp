@@ -40,22 +40,6 @@ unsigned int liveTextures() {
     return static_cast<unsigned int>(Locked()->buffers.size());
 }
 
-unsigned int freshUids(unsigned int count) {
-    const Locked locked;
-    return std::exchange(locked->nextUid, locked->nextUid + count);
-}
-
-std::string withFreshUids(std::string xml) {
-    const unsigned int first = freshUids(10);
-    for (size_t at = 0; (at = xml.find('#', at)) != std::string::npos;)
-        xml.replace(at, 2, std::to_string(first + static_cast<unsigned int>(xml[at + 1] - '0')));
-    return xml;
-}
-
-std::string packageBytes(const std::string& descriptionXml, const std::string& tag) {
-    return "assembly:" + tag + "\n" + descriptionXml;
-}
-
 std::string alive() {
     const Locked locked;
     std::string left;
@@ -78,3 +62,32 @@ void onNextStart(const std::function<unsigned int(const Start&)>& script) {
 }
 
 } // namespace recording
+
+namespace packages {
+
+std::string bytes(const std::string& descriptionXml, const std::string& tag) {
+    return "assembly:" + tag + "\n" + descriptionXml;
+}
+
+unsigned int freshUids(unsigned int count) {
+    const recording::Locked locked;
+    return std::exchange(locked->nextUid, locked->nextUid + count);
+}
+
+std::string withFreshUids(std::string xml) {
+    const unsigned int first = freshUids(10);
+    for (size_t at = 0; (at = xml.find('#', at)) != std::string::npos;)
+        xml.replace(at, 2, std::to_string(first + static_cast<unsigned int>(xml[at + 1] - '0')));
+    return xml;
+}
+
+void beginTest() {
+    recording::reset();
+}
+
+std::string faults() {
+    const unsigned int textures = recording::liveTextures();
+    return recording::misuses() + (textures > 0 ? std::to_string(textures) + " live textures\n" : "");
+}
+
+} // namespace packages

@@ -16,6 +16,7 @@
 #pragma once
 
 #include "platform/engine.h"
+#include "tests/Packages.h"
 
 #include <functional>
 #include <string>
@@ -45,15 +46,12 @@ std::string alive();         // the same and all contexts and handles not releas
 
 // ---- Packages
 
-// The first of so many uids that nobody in this process was given before.
-unsigned int freshUids(unsigned int count);
-
-// The XML with a fresh uid for each of #0 to #9, ascending with the digit.
-std::string withFreshUids(std::string xml);
+using packages::freshUids;
+using packages::withFreshUids;
 
 // A package that the linker takes apart into this description and an assembly that the trace shows as
 // "assembly:TAG". Bytes of any other kind cannot be read.
-std::string packageBytes(const std::string& descriptionXml, const std::string& tag);
+inline constexpr auto& packageBytes = packages::bytes;
 
 // ---- Script of the engine
 

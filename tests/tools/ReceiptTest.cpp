@@ -61,37 +61,33 @@ TEST_F(Tool, MapsHaveTheirOwnDepthAndChannels) {
     };
     compilePackage("formats", "<package>" + graph("pkg://formats") + "</package>");
     ASSERT_EQ(run("maps formats.kvpkg -o maps").status, 0);
-    struct Expected {
-        const char* output;
-        int bits;
-        int colourType;
-        std::vector<int> samples;
-    };
-    for (const Expected& expected : std::vector<Expected>{{"srgb8", 8, 6, {124, 170, 203, 204}},
-                                                          {"rgba8", 8, 6, {51, 102, 153, 204}},
-                                                          {"rgba16", 16, 6, {13107, 26214, 39321, 52428}},
-                                                          {"gray8", 8, 0, {51}},
-                                                          {"gray16", 16, 0, {13107}}}) {
-        SCOPED_TRACE(expected.output);
-        const std::string png = readFile(folder / "maps" / (std::string(expected.output) + ".png"));
+    compilePackage("other", "<package>" + graph("pkg://formats", "1") + "</package>");
+    const struct {
+        std::string output;
+        int bits, colourType;
+        const char* samples;
+    } cases[] = {{"srgb8", 8, 6, "124,170,203,204"},
+                 {"rgba8", 8, 6, "51,102,153,204"},
+                 {"rgba16", 16, 6, "13107,26214,39321,52428"},
+                 {"gray8", 8, 0, "51"},
+                 {"gray16", 16, 0, "13107"}};
+    for (const auto& [output, bits, colourType, samples] : cases) {
+        SCOPED_TRACE(output);
+        const std::string name = "maps/" + output + ".png";
+        const std::string png = readFile(folder / name);
         ASSERT_GT(png.size(), 33u);
         EXPECT_EQ(png.substr(16, 8), bigEndian(8) + bigEndian(4));
-        EXPECT_EQ(png[24], expected.bits);
-        EXPECT_EQ(png[25], expected.colourType);
+        EXPECT_EQ(png[24], bits);
+        EXPECT_EQ(png[25], colourType);
         EXPECT_EQ(png.find("gAMA"), std::string::npos);
-        EXPECT_EQ(png.find("sRGB\0", 0, 5) != std::string::npos, std::string(expected.output) == "srgb8");
+        EXPECT_EQ(png.find("sRGB\0", 0, 5) != std::string::npos, output == "srgb8");
 
         // Verify prints the samples: against a picture of the same kind with another value.
-        const std::string name = std::string("maps/") + expected.output + ".png";
         EXPECT_EQ(run("verify " + name + " formats.kvpkg").status, 0);
-        std::string printed;
-        for (const int sample : expected.samples)
-            printed += (printed.empty() ? "" : ",") + std::to_string(sample);
-        compilePackage("other", "<package>" + graph("pkg://formats", "1") + "</package>");
         const Outcome outcome = run("verify " + name + " other.kvpkg");
-        EXPECT_NE(outcome.out.find("pixels: 32 of 32, the first at x 0, y 0: " + printed + " in the picture"),
-                  std::string::npos)
-            << outcome.out;
+        const std::string difference =
+            std::string("32 of 32, the first at x 0, y 0: ") + samples + " in the picture";
+        EXPECT_NE(outcome.out.find("pixels: " + difference), std::string::npos) << outcome.out;
     }
 
     // Several graphs: a folder each, and values only for one of them.

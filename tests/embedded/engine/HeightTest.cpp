@@ -38,29 +38,23 @@ double roof(int x, int) {
 
 // A dark dot on a slope leaves a trace on the side to which it is carried, which fades out.
 TEST(HeightNodes, flowSmearCarriesTheSource) {
-    constexpr int dotX = 32;
-    constexpr int dotY = 64;
-    constexpr int length = 8;
+    constexpr int dotX = 32, dotY = 64, length = 8;
     const auto dot = [](int x, int y) { return x == dotX && y == dotY ? 0.0 : 1.0; };
     const struct {
-        int direction;
-        bool left, right, above, below;
-    } cases[] = {{0, true, false, false, false},
-                 {1, false, true, false, false},
-                 {2, true, true, false, false},
-                 {3, false, false, true, true}};
-    for (const auto& c : cases) {
-        const Image image = filtered("flowSmear", {dot, roof},
-                                     {{"direction", {static_cast<double>(c.direction)}},
-                                      {"result", {1}},
-                                      {"length", {static_cast<double>(length) / side}},
-                                      {"steps", {length}}});
+        double direction;
+        bool left, right, across;
+    } cases[] = {
+        {0, true, false, false}, {1, false, true, false}, {2, true, true, false}, {3, false, false, true}};
+    for (const auto& [direction, left, right, across] : cases) {
+        const Parameters parameters = {
+            {"direction", {direction}}, {"result", {1}}, {"length", {length / 128.0}}, {"steps", {length}}};
+        const Image image = filtered("flowSmear", {dot, roof}, parameters);
         for (int d = 1; d <= length + 1; ++d) {
             const double trace = d / (length + 1.0);
-            EXPECT_NEAR(image.row(dotY)[dotX - d], c.left ? trace : 1, 0.02) << c.direction << ' ' << d;
-            EXPECT_NEAR(image.row(dotY)[dotX + d], c.right ? trace : 1, 0.02) << c.direction << ' ' << d;
-            EXPECT_NEAR(image.row(dotY - d)[dotX], c.above ? trace : 1, 0.02) << c.direction << ' ' << d;
-            EXPECT_NEAR(image.row(dotY + d)[dotX], c.below ? trace : 1, 0.02) << c.direction << ' ' << d;
+            EXPECT_NEAR(image.row(dotY)[dotX - d], left ? trace : 1, 0.02) << direction << ' ' << d;
+            EXPECT_NEAR(image.row(dotY)[dotX + d], right ? trace : 1, 0.02) << direction << ' ' << d;
+            EXPECT_NEAR(image.row(dotY - d)[dotX], across ? trace : 1, 0.02) << direction << ' ' << d;
+            EXPECT_NEAR(image.row(dotY + d)[dotX], across ? trace : 1, 0.02) << direction << ' ' << d;
         }
     }
 }
@@ -90,9 +84,7 @@ TEST(HeightNodes, curvatureComparesWithTheMean) {
             return filtered("curvature", {wave},
                             {{"radius", {radius}}, {"strength", {strength}}, {"result", {result}}});
         };
-        const Image both = shown(0);
-        const Image edges = shown(1);
-        const Image cavities = shown(2);
+        const Image both = shown(0), edges = shown(1), cavities = shown(2);
         for (int x = 0; x < side; ++x) {
             const double difference = wave(x, 0) * (1 - kept);
             EXPECT_NEAR(both.row(5)[x], 0.5 + 0.5 * difference, 0.006) << radius << ' ' << x;
@@ -104,14 +96,10 @@ TEST(HeightNodes, curvatureComparesWithTheMean) {
 
 TEST(HeightNodes, wearStopsAtTheBreakup) {
     const auto breakup = [](int, int y) { return y < side / 2 ? 0.0 : 0.1; };
-    const Parameters parameters = {{"radius", {0.05}}, {"strength", {40}}, {"contrast", {2}}};
-    const auto with = [&](double result) {
-        Parameters all = parameters;
-        all["result"] = {result};
-        return filtered("curvature", {roof, breakup}, all);
-    };
-    const Image edges = with(1);
-    const Image wear = with(3);
+    Parameters parameters = {{"radius", {0.05}}, {"strength", {40}}, {"contrast", {2}}, {"result", {1}}};
+    const Image edges = filtered("curvature", {roof, breakup}, parameters);
+    parameters["result"] = {3};
+    const Image wear = filtered("curvature", {roof, breakup}, parameters);
     for (int i = 0; i < side * side; ++i) {
         const float resisting = i / side < side / 2 ? 0.0f : 0.1f;
         ASSERT_EQ(wear.row(0)[i], clamp((edges.row(0)[i] - resisting) * 2, 0, 1)) << i;
@@ -126,12 +114,11 @@ double lightAt(const Painting& height, int x, int y, double radius, double scale
     for (int d = 0; d < directions; ++d) {
         double tangent = 0;
         for (double distance = 1; distance < radius; distance += 0.5) {
-            const int thereX =
-                x + static_cast<int>(std::lround(distance * std::cos(2 * pi * d / directions)));
-            const int thereY =
-                y + static_cast<int>(std::lround(distance * std::sin(2 * pi * d / directions)));
-            const double away = std::hypot(thereX - x, thereY - y);
-            const double above = height(thereX & (side - 1), thereY & (side - 1)) - height(x, y);
+            const double turn = 2 * pi * d / directions;
+            const auto right = static_cast<int>(std::lround(distance * std::cos(turn)));
+            const auto down = static_cast<int>(std::lround(distance * std::sin(turn)));
+            const double away = std::hypot(right, down);
+            const double above = height((x + right) & (side - 1), (y + down) & (side - 1)) - height(x, y);
             const double nearness = std::max(0.0, 1 - away * away / (radius * radius));
             tangent = std::max(tangent, above * scale / away * nearness);
         }
@@ -151,11 +138,9 @@ TEST(HeightNodes, ambientOcclusionIsTheOpenSky) {
             const Image image =
                 filtered("ambientOcclusion", {height}, {{"radius", {radius}}, {"heightScale", {8}}});
             constexpr int stride = 3; // coprime to the side and what the image is shrunk by
-            double error = 0;
-            double darkestTop = 1;
+            double error = 0, darkestTop = 1;
             for (int i = 0; i < side * side; i += stride) {
-                const int x = i % side;
-                const int y = i / side;
+                const int x = i % side, y = i / side;
                 const double light = image.row(y)[x];
                 error += std::abs(light - lightAt(height, x, y, radius * side, 0.08 * side));
                 if (height(x, y) >= 0.999) darkestTop = std::min(darkestTop, light);

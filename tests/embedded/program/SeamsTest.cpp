@@ -1,5 +1,4 @@
 #include "embedded/program/Seams.h"
-#include "embedded/linker/LinkedProgram.h"
 #include "embedded/program/Cost.h"
 #include "tests/embedded/program/SamplePrograms.h"
 
@@ -50,10 +49,11 @@ TEST(Seams, CausesFlowToTheOutputs) {
                      makeNode("blend", {0, 3}),
                      makeNode("blend", {5, 6}),
                      rings(),
-                     makeNode("blend", {8, 3})};
+                     makeNode("blend", {8, 3}),
+                     makeNode("imageInput", {1})}; // shows what another program makes
     EXPECT_EQ(seamsOf(program, program.nodes.size()),
               "tiles, 1 layout, tiles if 1, 1 layout, tiles if 0, tiles if 0 if 1, 1 layout, "
-              "1 layout if 0 if 1, 8 layout, 1 layout");
+              "1 layout if 0 if 1, 8 layout, 1 layout, 1 layout");
 }
 
 TEST(Seams, OnlyConstantsAreKnown) {
@@ -78,32 +78,6 @@ TEST(Seams, OnlyConstantsAreKnown) {
     EXPECT_EQ(turned(0.1, false), "tiles, tiles");
     EXPECT_EQ(turned(0.5, true), "tiles, tiles");
     EXPECT_EQ(turned(0.1, true), "tiles, 1 seamless");
-}
-
-// An image on which an output depends may be what another program makes.
-TEST(Seams, LinkedProgramsPassThemOn) {
-    Program lower;
-    lower.nodes = {makeNode("wave"), rings(), makeNode("blur", {1})};
-    lower.outputs = {{11, 0, 0, 1}, {12, 2, 0, 1}};
-    Program upper;
-    upper.inputs = {makeInput(21, ValueType::Image), makeInput(22, ValueType::Image)};
-    upper.nodes = {imageNode(0), imageNode(1), makeNode("levels", {0}), makeNode("levels", {1}),
-                   makeNode("blend", {2, 3})};
-    upper.outputs = {{31, 2, 0, 1}, {32, 3, 0, 1}, {33, 4, 0, 1}};
-
-    const auto linked = [&](std::initializer_list<std::pair<int, int>> connections) {
-        LinkedProgram program;
-        EXPECT_TRUE(program.append(lower) && program.append(upper));
-        for (const auto& [input, output] : connections)
-            EXPECT_TRUE(
-                program.connect(static_cast<std::uint32_t>(input), static_cast<std::uint32_t>(output)));
-        std::string text;
-        for (const OutputSeams& seams : findSeams(*program.result())) text += toText(seams) + ", ";
-        return text;
-    };
-    EXPECT_EQ(linked({}), "tiles, 1 layout, tiles if 0, tiles if 1, tiles if 0 if 1, ");
-    EXPECT_EQ(linked({{21, 11}}), "tiles, 1 layout, tiles, tiles if 0, tiles if 0, ");
-    EXPECT_EQ(linked({{21, 11}, {22, 12}}), "tiles, 1 layout, tiles, 1 layout, 1 layout, ");
 }
 
 TEST(Cost, CountsWhatTheOutputsNeed) {

@@ -38,6 +38,14 @@ inline kv::Reference<Substance> loadMaterial(const std::string& number = "") {
                 "top" + number));
 }
 
+// What the material's texture shows.
+inline std::string pictureOf(int seed, int scale, const std::string& amount = "0.5",
+                             const std::string& number = "") {
+    return "top" + number + ".Output of bottom" + number + ".$seed Integer, " + std::to_string(seed) +
+           "; bottom" + number + ".scale Float, " + std::to_string(scale) + "; top" + number +
+           ".amount Float, " + amount;
+}
+
 inline void setValue(const kv::Reference<Substance>& material, const char* identifier, int value) {
     kvSubstance::SubstanceInput* const input = material->getInput(identifier);
     if (!input) return; // of a material that was made of the wrong packages

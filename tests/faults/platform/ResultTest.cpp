@@ -70,83 +70,37 @@ TEST_F(PlatformTest, ReportsMayComeInAnyWayOrNotAtAll) {
     std::string before = render(material);
     for (const OddStart& odd : oddStarts) {
         SCOPED_TRACE(odd.name);
-        const auto expected = [&value] {
-            return "top.Output of bottom.$seed Integer, 3; bottom.scale Float, " + std::to_string(value) +
-                   "; top.amount Float, 0.5";
-        };
         setValue(material, "scale", ++value);
         recording::setTexture(odd.texture);
         recording::onNextStart(odd);
-        EXPECT_EQ(render(material), odd.outcome == Outcome::New ? expected() : before);
+        EXPECT_EQ(render(material), odd.outcome == Outcome::New ? pictureOf(3, value) : before);
 
         recording::setTexture({200, 1, -1, true, {}});
-        EXPECT_EQ(render(material), odd.outcome == Outcome::KeptUntilEdited ? before : expected());
+        EXPECT_EQ(render(material), odd.outcome == Outcome::KeptUntilEdited ? before : pictureOf(3, value));
         EXPECT_TRUE(isUpToDate(material));
         EXPECT_EQ(recording::liveTextures(), 0u);
         setValue(material, "scale", ++value); // not behind one that came too often
-        EXPECT_EQ(render(material), expected());
-        before = expected();
+        before = render(material);
+        EXPECT_EQ(before, pictureOf(3, value));
     }
 }
 
-// Sixteen outputs, each reported by four threads at once.
-TEST_F(PlatformTest, ManyThreadsReportManyOutputs) {
-    std::string outputs, uids;
-    const unsigned int first = recording::freshUids(18);
-    for (unsigned int uid = first; uid < first + 16; ++uid) {
-        outputs += "<output uid='" + std::to_string(uid) + "' identifier='" +
-                   (uid == first + 15 ? "Output" : "o" + std::to_string(uid)) + "'/>";
-        uids += std::to_string(uid) + ",";
-    }
-    const std::string xml = "<sbsdescription asmuid='" + std::to_string(first + 16) +
-                            "'><graphs count='1'><graph><outputs>" + outputs +
-                            "</outputs><inputs><input uid='" + std::to_string(first + 17) +
-                            "' identifier='scale' type='0' alteroutputs='" + uids +
-                            "'/></inputs></graph></graphs></sbsdescription>";
-    const std::string bottom = recording::packageBytes(
-        recording::withFreshUids("<sbsdescription asmuid='#0'><graphs count='1'><graph>"
-                                 "<outputs><output uid='#1'/></outputs></graph></graphs>"
-                                 "</sbsdescription>"),
-        "b");
-    const std::string top = recording::packageBytes(xml, "t");
-    const auto material = kvSubstance::createSubstance(kv::vector<char>(bottom.begin(), bottom.end()),
-                                                       kv::vector<char>(top.begin(), top.end()));
-    ASSERT_TRUE(material);
-    for (int value = 1; value <= 20; ++value) {
-        setValue(material, "scale", value);
-        OddStart start{"", Outcome::New, {}, 0, OddStart::AtOnce};
-        for (unsigned int i = 0; i < 4 * 16; ++i) start.outputs.push_back(1 + i % 16);
-        recording::onNextStart(start);
-        EXPECT_EQ(render(material), "t.Output of t.scale Float, " + std::to_string(value));
-        EXPECT_TRUE(isUpToDate(material));
-        EXPECT_EQ(recording::liveTextures(), 0u);
-    }
-}
-
-namespace {
-
-// A host's listener that throws.
-class Thrower {
-public:
-    void listen() {
-        ++calls;
-        if (isThrowing) throw std::runtime_error("the host's");
-    }
-    kvRTB::FunctionVoidMember<Thrower> callback() { return {this, &Thrower::listen}; }
-
-    kvRTB::SignalBase receiver;
-    int calls = 0;
-    bool isThrowing = true;
-};
-
-} // namespace
-
-// It reaches whoever edits; the value is there, and nothing stays locked or counted as nested.
+// A host's listener throws: that reaches whoever edits; the value is there, and nothing stays locked or
+// counted as nested.
 TEST_F(PlatformTest, ListenersMayThrow) {
+    struct Thrower {
+        void listen() {
+            ++calls;
+            if (isThrowing) throw std::runtime_error("the host's");
+        }
+        kvRTB::SignalBase receiver;
+        int calls = 0;
+        bool isThrowing = true;
+    } thrower;
     const auto material = loadMaterial();
     kvSubstance::SubstanceInput* const scale = material->getInput("scale");
-    Thrower thrower;
-    scale->getModifiedSignal().connect(thrower.callback(), thrower.receiver);
+    scale->getModifiedSignal().connect(kvRTB::FunctionVoidMember<Thrower>(&thrower, &Thrower::listen),
+                                       thrower.receiver);
     for (int round = 0; round < 300; ++round) { // more than emissions may be nested
         EXPECT_THROW(scale->setValueF(2, 0), std::runtime_error);
         EXPECT_EQ(scale->getValueF(0), 2);
@@ -157,8 +111,7 @@ TEST_F(PlatformTest, ListenersMayThrow) {
     const int calls = thrower.calls;
     std::thread([&] { setValue(material, "scale", 9); }).join(); // no lock is left behind on this one
     EXPECT_EQ(thrower.calls, calls + 1);
-    EXPECT_EQ(render(material),
-              "top.Output of bottom.$seed Integer, 3; bottom.scale Float, 9; top.amount Float, 0.5");
+    EXPECT_EQ(render(material), pictureOf(3, 9));
 }
 
 } // namespace faults

@@ -8,7 +8,6 @@
 #include <atomic>
 #include <cerrno>
 #include <dlfcn.h>
-#include <iostream>
 #include <pthread.h>
 #include <string>
 
@@ -50,10 +49,6 @@ kv::vector<char> package(const std::string& url, const std::string& value) {
     return {result.package.begin(), result.package.end()};
 }
 
-kv::Reference<Substance> load() {
-    return kvSubstance::createSubstance(package("bottom", "{bottom_level}"), package("top", "{top_level}"));
-}
-
 void failFrom(int number, bool lasting) {
     created = 0;
     isLasting = lasting;
@@ -74,7 +69,8 @@ TEST(Threads, MayBeRefusedAtAnyTime) {
         for (int number = 1; number <= 3; ++number) {
             SCOPED_TRACE("thread " + std::to_string(number) + (lasting ? " and those behind it" : ""));
             SubstanceAir::processObjects()->renderer.reset(); // a new one, and a new engine
-            const auto material = load();
+            const auto material = kvSubstance::createSubstance(package("bottom", "{bottom_level}"),
+                                                               package("top", "{top_level}"));
             kv::TempReference<ilSIDImage> image;
             for (const float level : {0.0f, 1.0f, 0.0f}) {
                 edit(material, level);
@@ -94,7 +90,6 @@ TEST(Threads, MayBeRefusedAtAnyTime) {
         }
     }
     EXPECT_GT(failed, 0);
-    std::cout << "  6 requests without a render thread, " << failed << " with fewer threads of the engine\n";
 }
 
 } // namespace faults

@@ -3,6 +3,7 @@
 #include "tests/faults/platform/Host.h"
 
 #include "framework/description/PackageDesc.h"
+#include "tests/bridge/TestPackages.h"
 
 #include <atomic>
 #include <csignal>
@@ -31,38 +32,16 @@ void runTogether(const std::vector<std::function<void()>>& functions) {
     for (std::thread& thread : threads) thread.join();
 }
 
-std::string pictureOf(const std::string& number, int seed, int scale) {
-    return "top" + number + ".Output of bottom" + number + ".$seed Integer, " + std::to_string(seed) +
-           "; bottom" + number + ".scale Float, " + std::to_string(scale) + "; top" + number +
-           ".amount Float, 0.5";
-}
-
 } // namespace
 
-TEST_F(PlatformTest, RequestsOfSeveralThreadsWaitForEachOther) {
-    const auto shared = loadMaterial("0");
-    std::vector<std::function<void()>> hosts;
-    for (int host = 1; host <= 4; ++host)
-        hosts.emplace_back([material = loadMaterial(std::to_string(host)), &shared, host] {
-            for (int i = 0; i < 50; ++i) {
-                setValue(material, "scale", 100 * host + i);
-                EXPECT_EQ(render(material), pictureOf(std::to_string(host), 3, 100 * host + i));
-                if (i % 10 == 0) kvSubstance::getTextureFromSubstance(shared.get());
-            }
-        });
-    runTogether(hosts);
-    EXPECT_EQ(render(shared), pictureOf("0", 3, 1));
-}
-
 // A thread edits one material, with new state keys and through listeners, while another renders a second one,
-// a third makes packages, materials and graphs and destroys them, and a fourth takes results as they arrive.
+// a third makes, renders and destroys packages, materials and graphs, and a fourth takes results as they
+// arrive. Requests wait for each other.
 TEST_F(PlatformTest, EditingLoadingAndGrabbingGoOnDuringRenders) {
     const auto edited = loadMaterial("1");
     const auto rendered = loadMaterial("2");
     SubstanceAir::OutputInstance& before = *rendered->getGraphInstances()[0]->outputs[0];
-    const std::string bytes = recording::packageBytes(recording::withFreshUids(R"(<sbsdescription asmuid='#0'>
-        <graphs count='1'><graph><outputs><output uid='#1'/></outputs></graph></graphs></sbsdescription>)"),
-                                                      "other");
+    const auto bytes = kvSubstance::plainPackage();
     constexpr int rounds = 100;
     std::atomic<bool> isRendering{true};
     size_t taken = 0;
@@ -85,8 +64,9 @@ TEST_F(PlatformTest, EditingLoadingAndGrabbingGoOnDuringRenders) {
                      for (int i = 0; i < rounds; ++i) {
                          const SubstanceAir::PackageDesc package(bytes.data(), bytes.size(), nullptr);
                          const SubstanceAir::GraphInstance graph(package.graphs().at(0));
-                         if (i % 10 == 0)
-                             kvSubstance::getTextureFromSubstance(loadMaterial(std::to_string(10 + i)).get());
+                         const std::string number = std::to_string(10 + i);
+                         const auto made = loadMaterial(number);
+                         EXPECT_EQ(render(made), pictureOf(3, 1, "0.5", number));
                      }
                  },
                  [&] {
@@ -94,11 +74,10 @@ TEST_F(PlatformTest, EditingLoadingAndGrabbingGoOnDuringRenders) {
                          if (before.grabResult()) ++taken;
                  }});
     EXPECT_LE(taken, static_cast<size_t>(rounds)); // the request takes the rest
-    EXPECT_EQ(picture(rendered->getCachedTexture()),
-              "top2.Output of bottom2.$seed Integer, 0; bottom2.scale Float, 1; top2.amount Float, 99");
+    EXPECT_EQ(picture(rendered->getCachedTexture()), pictureOf(0, 1, "99", "2"));
     setValue(edited, "scale", 2);
     setValue(edited, "$seed", 2);
-    EXPECT_EQ(render(edited), pictureOf("1", 2, 2));
+    EXPECT_EQ(render(edited), pictureOf(2, 2, "0.5", "1"));
 }
 
 #ifdef GTEST_HAS_DEATH_TEST // these need a process of their own
@@ -129,11 +108,9 @@ Globals& late() {
 
 void fill(Globals& globals, const std::string& number) {
     const auto package = [&number](const std::string& name) {
-        const std::string bytes = recording::packageBytes(
-            recording::withFreshUids(R"(<sbsdescription asmuid='#0'><graphs count='1'><graph>
-                <outputs><output uid='#1' identifier='Output'/><output uid='#2' identifier='z'/></outputs>
-                </graph></graphs></sbsdescription>)"),
-            name + number);
+        const unsigned int uid = packages::freshUids(2);
+        const auto bytes = kvSubstance::packageOf(
+            name + number, kvSubstance::outputTag(uid, "Output") + kvSubstance::outputTag(uid + 1, "z"), "");
         return std::make_unique<SubstanceAir::PackageDesc>(bytes.data(), bytes.size(), nullptr);
     };
     globals.material = loadMaterial(number);

