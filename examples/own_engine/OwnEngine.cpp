@@ -42,15 +42,6 @@ struct SubstanceHandle_ {
 
 namespace {
 
-template <typename Function>
-unsigned int guarded(Function function) noexcept {
-    try {
-        return function() ? 0 : 1;
-    } catch (...) {
-        return 1;
-    }
-}
-
 void enter(SubstanceContext& context) {
     const std::lock_guard<std::mutex> lock(context.mutex);
     ++context.users;
@@ -115,7 +106,7 @@ unsigned int substanceContextInit(SubstanceContext** context, SubstanceDevice* d
     if (!context) return 1;
     *context = nullptr;
     if (!device) return 1; // this engine computes on the processor; another would use the word
-    return guarded([&] { return (*context = new SubstanceContext) != nullptr; });
+    return own::guarded([&] { return (*context = new SubstanceContext) != nullptr; });
 }
 
 unsigned int substanceContextSetCallback(SubstanceContext* context, unsigned int kind,
@@ -143,7 +134,7 @@ unsigned int substanceHandleInit(SubstanceHandle** handle, SubstanceContext* con
     if (!handle) return 1;
     *handle = nullptr;
     if (!context || flags != 0) return 1;
-    return guarded([&] {
+    return own::guarded([&] {
         std::optional<own::Program> program = own::read(assembly, size);
         if (!program) return false;
         own::Values defaults = own::defaultValues(*program);
@@ -210,7 +201,7 @@ unsigned int substanceHandlePushSetInput(SubstanceHandle* handle, unsigned int f
     if (type != handle->program.inputs[inputIndex].type) return 1;
     if (type == SubstanceInputImage) {
         const auto* const texture = static_cast<const SubstanceTextureInput*>(value);
-        return guarded([&] {
+        return own::guarded([&] {
             std::shared_ptr<const own::Image> image;
             if (texture && texture->pixels && !(image = own::readImage(*texture))) return false;
             handle->values.images[inputIndex] = std::move(image); // without pixels: no image any more
@@ -231,7 +222,7 @@ unsigned int substanceHandlePushOutputs(SubstanceHandle* handle, unsigned int fl
     if (!handle) return 1;
     if (flags == SubstancePushOutputUidsHint) return 0;
     if (flags != SubstancePushOutputUids || (!outputUids && count > 0)) return 1;
-    return guarded([&] {
+    return own::guarded([&] {
         std::set<unsigned int> wanted;
         unsigned int index = 0;
         for (unsigned int i = 0; i < count; ++i)
@@ -247,7 +238,7 @@ unsigned int substanceHandlePushOutputs(SubstanceHandle* handle, unsigned int fl
 unsigned int substanceHandleStart(SubstanceHandle* handle, unsigned int flags) {
     if (!handle || flags != 0 || handle->isRunning) return 1;
     handle->isRunning = true;
-    const unsigned int status = guarded([&] {
+    const unsigned int status = own::guarded([&] {
         const auto requests = std::exchange(handle->queue, {});
         for (const auto& request : requests)
             for (const unsigned int output : request.outputs) {

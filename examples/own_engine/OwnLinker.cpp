@@ -101,15 +101,6 @@ bool fuse(Program& program, std::uint32_t firstUid, std::uint32_t secondUid) {
     return true;
 }
 
-template <typename Function>
-unsigned int guarded(Function function) noexcept {
-    try {
-        return function() ? 0 : 1;
-    } catch (...) {
-        return 1;
-    }
-}
-
 } // namespace
 
 extern "C" {
@@ -120,7 +111,7 @@ unsigned int substanceLinkerContextInit(SubstanceLinkerContext** context, unsign
     if (!context) return 1;
     *context = nullptr;
     if (apiVersion != SubstanceLinkerApiVersion || engineId != SubstanceLinkerEngineId) return 1;
-    return guarded([&] { return (*context = new SubstanceLinkerContext) != nullptr; });
+    return own::guarded([&] { return (*context = new SubstanceLinkerContext) != nullptr; });
 }
 
 unsigned int substanceLinkerContextSetCallback(SubstanceLinkerContext* context, unsigned int kind,
@@ -144,7 +135,7 @@ unsigned int substanceLinkerHandleInit(SubstanceLinkerHandle** handle, Substance
     if (!handle) return 1;
     *handle = nullptr;
     if (!context) return 1;
-    return guarded([&] {
+    return own::guarded([&] {
         *handle = &context->handles.emplace_back();
         (*handle)->context = context;
         return true;
@@ -158,7 +149,7 @@ unsigned int substanceLinkerHandleInit(SubstanceLinkerHandle** handle, Substance
 unsigned int substanceLinkerHandlePushAssemblyMemory(SubstanceLinkerHandle* handle, const void* data,
                                                      size_t size) {
     if (!handle) return 1;
-    const unsigned int status = guarded([&] {
+    const unsigned int status = own::guarded([&] {
         std::string text, assembly;
         std::optional<Program> program = own::read(data, size); // delivered by an earlier push
         if (!program && data) {
@@ -216,7 +207,7 @@ unsigned int substanceLinkerHandleLink(SubstanceLinkerHandle* handle, const unsi
     if (data) *data = nullptr;
     if (size) *size = 0;
     if (!handle || !data || !size || handle->failed || handle->pushes == 0) return 1;
-    return guarded([&] {
+    return own::guarded([&] {
         // A package over itself: inputs of one uid are one, because the library sets each uid once.
         Program program = handle->program;
         for (int last = static_cast<int>(program.inputs.size()) - 1; last > 0; --last) {

@@ -4,9 +4,13 @@
 // crosses the C interface (the "assembly") is text, so that it can be read while one learns:
 //
 //     own-program 2 1
-//     101 1 0 1056964608 1073741824 0 0     an input: uid, type, is it the resolution, the bits of its
-//     default 103 5 0 0 0 0 0 201 0 1 2 0 1                         an output: uid, format, mipmaps, number
-//     of sources, the sources end
+//     101 1 0 1056964608 1073741824 0 0
+//     103 5 0 0 0 0 0
+//     201 0 1 2 0 1
+//     end
+//
+// First the numbers of inputs and outputs. An input has its uid, its type, whether it is the resolution, and
+// the bits of its default; an output its uid, format, mipmaps, the number of its sources, and these.
 #pragma once
 
 #include "platform/engine.h"
@@ -54,5 +58,15 @@ std::string write(const Program& program);
 
 // Nothing unless the bytes are a whole program that can be run: all doubts end here.
 std::optional<Program> read(const void* data, std::size_t size);
+
+// The status of a function that is true for success: no exception leaves the C functions.
+template <typename Function>
+unsigned int guarded(Function function) noexcept {
+    try {
+        return function() ? 0 : 1;
+    } catch (...) {
+        return 1;
+    }
+}
 
 } // namespace own

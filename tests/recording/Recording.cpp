@@ -28,10 +28,6 @@ bool isInsideDouble() {
     return Inside::current;
 }
 
-void echoToStandardError() {
-    Locked()->echo = true;
-}
-
 std::string misuses() {
     return Locked()->misuses;
 }

@@ -33,9 +33,6 @@ std::string takeTrace();
 // True while the calling thread is inside the double, and not in a callback of the library's.
 bool isInsideDouble();
 
-// From now on every line is also printed to standard error, up to the very end of the process.
-void echoToStandardError();
-
 // ---- Ownership
 
 // Every misuse so far, one a line: second release, use after release or while the engine runs, a foreign

@@ -39,7 +39,6 @@ void record(const std::string& line) {
     const bool isHost = std::this_thread::get_id() == state().session.host;
     const std::string whole = (isHost ? "host: " : "worker: ") + line + "\n";
     state().session.trace += whole;
-    if (state().echo) std::fputs(whole.c_str(), stderr);
 }
 
 void misuse(const std::string& what) {

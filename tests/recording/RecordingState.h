@@ -97,7 +97,6 @@ struct Buffer {
 struct State {
     std::mutex mutex;
     Session session;
-    bool echo = false;
     std::string misuses;
     unsigned int nextUid = 100;
     std::map<unsigned int, std::string> uidNames;
