@@ -15,8 +15,13 @@ struct NodeShape {
     std::uint64_t width = 1;
     std::uint64_t height = 1;
     int channels = 1;
+    std::int32_t sizeInput = Binding::constantOnly; // which decides about the size
 
     std::uint64_t pixels() const { return width * height; }
+    // What follows an input may be smaller than said, for instance where one number gives both sides.
+    bool mayDifferInSize(const NodeShape& other) const {
+        return width != other.width || height != other.height || sizeInput != other.sizeInput;
+    }
 };
 
 // No fewer than the result has when the program runs.
@@ -93,7 +98,8 @@ private:
             return std::uint64_t{1} << std::clamp<std::int32_t>(log2, 0, maxResolution);
         };
         shapes_.push_back({side(isDriven ? log2Width_ : constant[0]),
-                           side(isDriven ? log2Height_ : constant[1]), mostChannels(node, shapes_)});
+                           side(isDriven ? log2Height_ : constant[1]), mostChannels(node, shapes_),
+                           node.resolution.input});
     }
 
     void addNode(const ProgramNode& node) {
@@ -110,7 +116,7 @@ private:
             const NodeShape& source = shapes_[static_cast<std::size_t>(node.sources[i])];
             const bool readsGray = kind.ports[i].channels == PortChannels::Gray || shape.channels == 1;
             if (readsGray && source.channels > 1) addConversion(source.pixels());
-            if (source.width != shape.width || source.height != shape.height) addConversion(shape.pixels());
+            if (source.mayDifferInSize(shape)) addConversion(shape.pixels());
         }
     }
 

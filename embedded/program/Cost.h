@@ -24,7 +24,8 @@ struct ProgramCost {
 };
 
 // The cost of computing these outputs, indexes into Program::outputs, whatever the values of inputs are, for
-// the resolution (base-2 logarithms of width and height) of all nodes whose resolution an input drives.
+// the resolution (base-2 logarithms of width and height) of all nodes whose resolution an input drives; where
+// several inputs do so it is the largest, and sizes that do not follow the same input are taken to differ.
 // Images that the host gives are taken to have the size of the nodes that show them. The program holds to the
 // rules of Verifier.h.
 ProgramCost costOf(const Program& program, const std::vector<std::size_t>& outputs, int log2Width,
