@@ -19,8 +19,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         return (material->getInput(identifier)->getType() & 7) != 0;
     });
     if (first != ids.end()) {
-        material->getInput(*first)->setValueI(0x40000000, 0); // 2.0 as a float
-        require(material->getInput(*first)->isModified() && material->isModified(), "an edit shows");
+        const kv::Reference<SubstanceInput> input(material->getInput(*first));
+        input->setValueI(0x40000000, 0);                           // 2.0 as a float
+        if (!input->isModified()) input->setValueI(0x40400000, 0); // it was 2.0 already
+        require(input->isModified() && material->isModified(), "an edit shows");
     }
     material->clearModified();
     constexpr int fewInputs = 2;
