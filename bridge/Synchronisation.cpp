@@ -1,7 +1,9 @@
 #include "bridge/Synchronisation.h"
 
+#include "bridge/InputInstances.h"
 #include "framework/render/GraphInstance.h"
 
+#include <algorithm>
 #include <cstring>
 #include <string_view>
 #include <type_traits>
@@ -26,10 +28,11 @@ void store(const SubstanceInput::IntOrFloat& values, InputInstanceBase& instance
 
 SubstanceInput::IntOrFloat valueOf(const SubstanceInput& input) {
     SubstanceInput::IntOrFloat values{};
+    const int count = std::clamp(input.getType() & 7, 1, 4);
     if (input.getType() & 0x20) {
-        for (int k = 0; k < 4; ++k) values.i[k] = input.getValueI(k);
+        for (int k = 0; k < count; ++k) values.i[k] = input.getValueI(k);
     } else {
-        for (int k = 0; k < 4; ++k) values.f[k] = input.getValueF(k);
+        for (int k = 0; k < count; ++k) values.f[k] = input.getValueF(k);
     }
     return values;
 }
@@ -76,16 +79,18 @@ void syncValueFromSubstanceInputToInputInstanceBase(const SubstanceInput* input,
     }
 }
 
+InputInstanceBase* findInputInstance(Substance& material, const SubstanceInput& input) {
+    const std::string_view identifier(input.getIdentifier().asChar(), input.getIdentifier().length());
+    for (const auto& graph : material.getGraphInstances())
+        if (InputInstanceBase* const instance = graph->findInput(identifier)) return instance;
+    return nullptr;
+}
+
 // The material is held by the parameter until the call returns.
 void syncValueFromSubstanceInputToInputInstanceBase(kv::Reference<Substance> material,
                                                     SubstanceInput* input) {
-    if (!material || !input) return;
-    const std::string_view identifier(input->getIdentifier().asChar(), input->getIdentifier().length());
-    for (const auto& graph : material->getGraphInstances()) {
-        InputInstanceBase* const instance = graph->findInput(identifier);
-        if (!instance) continue;
-        return syncValueFromSubstanceInputToInputInstanceBase(input, instance);
-    }
+    if (material && input)
+        syncValueFromSubstanceInputToInputInstanceBase(input, findInputInstance(*material, *input));
 }
 
 void syncValueFromSubstanceInputToInputInstanceBase(kv::Reference<Substance> material,

@@ -1,13 +1,16 @@
 // A material's values as text: Substance::getStateString and applyStateString.
+#include "bridge/InputInstances.h"
 #include "bridge/Synchronisation.h"
 #include "material/Substance.h"
 #include "support/Numbers.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cstring>
 #include <string>
 #include <string_view>
+#include <typeinfo>
 
 namespace kvSubstance {
 
@@ -80,54 +83,68 @@ std::string_view takePiece(std::string_view& text, char separator) {
     return piece;
 }
 
-// The pieces of a line between blanks, as many as a line can need: uid, kind, values. Missing ones are empty.
-using Fields = std::array<std::string_view, 6>;
-
-Fields fieldsOf(std::string_view line) {
-    Fields fields;
-    for (std::string_view& field : fields) field = takePiece(line, ' ');
-    return fields;
+float takeFloat(std::string_view& line) {
+    float number = 0;
+    const size_t length = support::readPlainDecimal(line, ' ', number);
+    if (length == 0) return support::leadingFloat(takePiece(line, ' '));
+    line.remove_prefix(std::min(length + 1, line.size()));
+    return number;
 }
 
-void applyInts(SubstanceInput& input, int count, const Fields& fields) {
-    const auto number = [&fields](size_t place) { return support::leadingInteger(fields[place]); };
+int takeInteger(std::string_view& line) {
+    return support::leadingInteger(takePiece(line, ' '));
+}
+
+// As many numbers as the setter of that count takes, which is one for a count that none has. Pieces that are
+// missing are empty.
+template <class T>
+std::array<T, 4> takeNumbers(std::string_view line, int count, T (*take)(std::string_view& line)) {
+    std::array<T, 4> numbers{};
+    const int wanted = count >= 2 && count <= 4 ? count : 1;
+    for (int k = 0; k < wanted; ++k) numbers[static_cast<size_t>(k)] = take(line);
+    return numbers;
+}
+
+void applyInts(SubstanceInput& input, int count, std::string_view line) {
+    const std::array<int, 4> n = takeNumbers(line, count, takeInteger);
     switch (count) {
     case 2:
-        return input.setValue2I(number(2), number(3));
+        return input.setValue2I(n[0], n[1]);
     case 3:
-        return input.setValue3I(number(2), number(3), number(4));
+        return input.setValue3I(n[0], n[1], n[2]);
     case 4:
-        return input.setValue4I(number(2), number(3), number(4), number(5));
+        return input.setValue4I(n[0], n[1], n[2], n[3]);
     default:
-        return input.setValueI(number(2), 0);
+        return input.setValueI(n[0], 0);
     }
 }
 
-void applyFloats(SubstanceInput& input, int count, const Fields& fields) {
-    const auto number = [&fields](size_t place) { return support::leadingFloat(fields[place]); };
+void applyFloats(SubstanceInput& input, int count, std::string_view line) {
+    const std::array<float, 4> n = takeNumbers(line, count, takeFloat);
     switch (count) {
     case 2:
-        return input.setValue2F(number(2), number(3));
+        return input.setValue2F(n[0], n[1]);
     case 3:
-        return input.setValue3F(number(2), number(3), number(4));
+        return input.setValue3F(n[0], n[1], n[2]);
     case 4:
-        return input.setValue4F(number(2), number(3), number(4), number(5));
+        return input.setValue4F(n[0], n[1], n[2], n[3]);
     default:
-        return input.setValueF(number(2), 0);
+        return input.setValueF(n[0], 0);
     }
 }
 
 // The line's kind chooses the setter, whatever the input's type: on purpose, a document means what it says.
 void applyLine(const kv::Reference<Substance>& material, std::string_view line) {
-    const Fields fields = fieldsOf(line);
-    const unsigned int uid = support::leadingUnsigned(fields[0]);
-    const kv::Reference<SubstanceInput> input(dynamic_cast<SubstanceInput*>(material->getEntity(uid)));
-    if (!input) return;
-    const char kind = fields[1].empty() ? '\0' : fields[1][0];
-    const int count = fields[1].size() > 1 ? fields[1][1] - '0' : 0;
-    if (kind == 'i') applyInts(*input, count, fields);
-    if (kind == 'f') applyFloats(*input, count, fields);
-    syncValueFromSubstanceInputToInputInstanceBase(material, input.get());
+    const unsigned int uid = support::leadingUnsigned(takePiece(line, ' '));
+    SubstanceEntity* const entity = material->getEntity(uid);
+    if (!entity || typeid(*entity) != typeid(SubstanceInput)) return;
+    const kv::Reference<SubstanceInput> input(static_cast<SubstanceInput*>(entity));
+    const std::string_view format = takePiece(line, ' ');
+    const char kind = format.empty() ? '\0' : format[0];
+    const int count = format.size() > 1 ? format[1] - '0' : 0;
+    if (kind == 'i') applyInts(*input, count, line);
+    if (kind == 'f') applyFloats(*input, count, line);
+    syncValueFromSubstanceInputToInputInstanceBase(input.get(), findInputInstance(*material, *input));
 }
 
 } // namespace

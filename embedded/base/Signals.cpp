@@ -1,7 +1,10 @@
 #include "platform/base/Signals.h"
 
+#include <boost/container/small_vector.hpp>
+
 #include <algorithm>
 #include <atomic>
+#include <cstddef>
 #include <mutex>
 #include <new>
 #include <utility>
@@ -21,6 +24,11 @@ namespace {
 // Connections in the order in which they were made. Ended ones stay where they are as long as anybody walks
 // the list. They are swept once they are half of it, so that ending n connections takes time in proportion to
 // n.
+//
+// An emission is a walk, most often over one connection, and materials make thousands in a row: what such a
+// walk needs is atomic, and the mutex is for longer ones. Whoever ends the last walk and whoever ends a
+// connection both look at the other's count after they have changed their own, so that one of them sweeps. In
+// the same way a sweep hides the front before it looks for walks.
 template <class Connection>
 class ConnectionList {
 public:
@@ -29,12 +37,15 @@ public:
     void add(Pointer connection) {
         const std::lock_guard<std::mutex> hold(mutex);
         connections.push_back(std::move(connection));
+        publish();
     }
 
-    // Null past the end.
-    Pointer at(size_t place) const {
+    // Null past the end. The list keeps the connection as long as the walk lasts that asks.
+    Connection* at(size_t place) const {
+        if (place >= size) return nullptr;
+        if (Connection* const first = front; first && place == 0) return first;
         const std::lock_guard<std::mutex> hold(mutex);
-        return place < connections.size() ? connections[place] : nullptr;
+        return place < connections.size() ? connections[place].get() : nullptr;
     }
 
     int countLasting() const {
@@ -42,36 +53,38 @@ public:
         return static_cast<int>(std::count_if(connections.begin(), connections.end(), lasts));
     }
 
-    void beginWalk() {
-        const std::lock_guard<std::mutex> hold(mutex);
-        ++walks;
-    }
+    void beginWalk() { ++walks; }
 
     void endWalk() noexcept {
-        std::vector<Pointer> swept;
-        const std::lock_guard<std::mutex> hold(mutex);
-        --walks;
-        sweep(swept);
+        if (--walks == 0 && ended > 0) sweep();
     }
 
     void noteEnd() noexcept {
-        std::vector<Pointer> swept;
-        const std::lock_guard<std::mutex> hold(mutex);
         ++ended;
-        sweep(swept);
+        if (walks == 0) sweep();
     }
 
 private:
     static bool lasts(const Pointer& connection) { return !connection->isRemoved(); }
 
-    // Moves ended connections to where they die after the mutex is free again.
-    void sweep(std::vector<Pointer>& swept) {
-        if (walks > 0 || ended == 0 || 2 * ended < connections.size()) return;
+    void publish() {
+        size = connections.size();
+        front = connections.empty() ? nullptr : connections.front().get();
+    }
+
+    // Moves ended connections to where they die after the mutex is free again. A walk that begins meanwhile
+    // waits for its first connection.
+    void sweep() noexcept {
+        std::vector<Pointer> swept;
+        const std::lock_guard<std::mutex> hold(mutex);
+        if (walks > 0 || ended <= 0 || 2 * ended < static_cast<std::ptrdiff_t>(connections.size())) return;
         try {
             swept.reserve(connections.size());
         } catch (const std::bad_alloc&) {
             return; // the next end tries again
         }
+        front = nullptr;
+        if (walks > 0) return publish();
         size_t kept = 0;
         for (Pointer& connection : connections) {
             if (lasts(connection)) {
@@ -81,13 +94,16 @@ private:
             }
         }
         connections.resize(kept);
-        ended = 0;
+        publish();
+        ended -= static_cast<std::ptrdiff_t>(swept.size());
     }
 
     mutable std::mutex mutex;
-    std::vector<Pointer> connections;
-    size_t walks = 0;
-    size_t ended = 0; // since the last sweep; no more than a hint when to sweep
+    boost::container::small_vector<Pointer, 1> connections; // most signals have one
+    std::atomic<size_t> size{0};
+    std::atomic<Connection*> front{nullptr}; // null while a sweep is under way
+    std::atomic<size_t> walks{0};
+    std::atomic<std::ptrdiff_t> ended{0}; // not swept yet; below zero while one is swept before it is counted
 };
 
 } // namespace
@@ -126,7 +142,7 @@ struct SignalBase::Connection : SignalItem {
 
     static void endAll(ConnectionList<Connection>& list) {
         list.beginWalk();
-        for (size_t place = 0; const auto connection = list.at(place); ++place) connection->end();
+        for (size_t place = 0; Connection* const connection = list.at(place); ++place) connection->end();
         list.endWalk();
     }
 
@@ -182,11 +198,11 @@ SignalWalk::~SignalWalk() {
 
 SignalItem* SignalWalk::first() {
     place = 0;
-    return body ? body->emitted.at(place).get() : nullptr;
+    return body ? body->emitted.at(place) : nullptr;
 }
 
 SignalItem* SignalWalk::next() {
-    return body ? body->emitted.at(++place).get() : nullptr;
+    return body ? body->emitted.at(++place) : nullptr;
 }
 
 } // namespace kvRTB

@@ -20,11 +20,13 @@ GraphInstance::GraphInstance(const GraphDesc& description)
     : desc(description)
     , identity(nextIdentity()) {
     inputs.reserve(desc.inputs.size());
-    inputsByIdentifier.reserve(desc.inputs.size());
+    named.reserve(desc.inputs.size());
+    placesByIdentifier.reserve(desc.inputs.size());
     for (const OutputDesc& output : desc.outputs) outputs.push_back(std::make_unique<OutputInstance>(output));
     for (const auto& input : desc.inputs) {
         inputs.push_back(input->instantiate(*this));
-        if (!input->identifier.empty()) inputsByIdentifier.emplace(input->identifier, inputs.back().get());
+        if (!input->identifier.empty() && placesByIdentifier.emplace(input->identifier, named.size()).second)
+            named.push_back(inputs.back().get());
     }
 }
 
@@ -52,8 +54,14 @@ void GraphInstance::writeKeyBytes(std::vector<unsigned char>& bytes) const {
 }
 
 InputInstanceBase* GraphInstance::findInput(std::string_view identifier) const {
-    const auto found = inputsByIdentifier.find(identifier);
-    return found != inputsByIdentifier.end() ? found->second : nullptr;
+    size_t place = expectedPlace;
+    if (place >= named.size() || named[place]->desc.identifier != identifier) {
+        const auto found = placesByIdentifier.find(identifier);
+        if (found == placesByIdentifier.end()) return nullptr;
+        place = found->second;
+    }
+    expectedPlace.store(place + 1, std::memory_order_relaxed);
+    return named[place];
 }
 
 } // namespace SubstanceAir

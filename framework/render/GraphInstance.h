@@ -8,7 +8,9 @@
 #include <boost/core/noncopyable.hpp>
 #include <boost/unordered/unordered_flat_map.hpp>
 
+#include <atomic>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string_view>
 #include <vector>
@@ -36,8 +38,10 @@ public:
     InputInstanceBase* findInput(std::string_view identifier) const;
 
 private:
-    // The identifiers are the description's. Flat, because hosts synchronise thousands of inputs in a row.
-    boost::unordered_flat_map<std::string_view, InputInstanceBase*> inputsByIdentifier;
+    std::vector<InputInstanceBase*> named; // the first of each identifier, in the description's order
+    // Places among these. The identifiers are the description's.
+    boost::unordered_flat_map<std::string_view, size_t, std::hash<std::string_view>> placesByIdentifier;
+    mutable std::atomic<size_t> expectedPlace{0}; // hosts synchronise thousands of inputs in their order
 };
 
 } // namespace SubstanceAir

@@ -85,6 +85,16 @@ void expectAsLexicalCast(const std::string& text) {
     EXPECT_EQ(exact(value), exact(expected)) << text;
 }
 
+// In the middle of a line; and whether the quick way is taken.
+bool expectQuickAsLeading(const std::string& text) {
+    float value = 77;
+    const size_t length = support::readPlainDecimal(text + " 5", ' ', value);
+    if (length == 0) return false;
+    EXPECT_EQ(length, std::min(text.find(' '), text.size())) << text;
+    EXPECT_EQ(exact(value), exact(support::leadingFloat(text))) << text;
+    return true;
+}
+
 TEST(Numbers, TextsConvertAsLexicalCastAndTheCLibraryDo) {
     for (const std::string& text : texts()) {
         expectAsLexicalCast<unsigned int>(text);
@@ -98,6 +108,7 @@ TEST(Numbers, TextsConvertAsLexicalCastAndTheCLibraryDo) {
             const float value = inCommaLocale([&] { return support::leadingFloat(text.c_str()); });
             EXPECT_EQ(exact(value), exact(expected)) << text;
         }
+        expectQuickAsLeading(text);
         const long long wide = std::strtoll(text.c_str(), nullptr, 10); // saturates itself
         EXPECT_EQ(support::leadingInteger(text.c_str()), std::clamp<long long>(wide, INT_MIN, INT_MAX))
             << text;
@@ -113,6 +124,10 @@ TEST(Numbers, TextsConvertAsLexicalCastAndTheCLibraryDo) {
             EXPECT_EQ(exact(support::leadingFloat(text.data())),
                       exact(static_cast<float>(std::strtod(text.data(), nullptr))))
                 << text.data();
+            const std::string_view view = text.data();
+            const auto digits =
+                std::count_if(view.begin(), view.end(), [](char c) { return std::isdigit(c); });
+            EXPECT_EQ(expectQuickAsLeading(text.data()), digits <= 15 && view.find('e') == view.npos) << view;
         }
     }
     EXPECT_EQ(support::wholeOrZero<unsigned int>(nullptr), 0u);
