@@ -5,7 +5,6 @@
 #include "framework/render/PackageStackDesc.h"
 
 #include <memory>
-#include <utility>
 
 namespace kvSubstance {
 
@@ -27,26 +26,12 @@ Image toImage(const SubstanceTexture& texture) {
     return image;
 }
 
-// A failure can leave a job waiting until another material's texture is made. Its result stays with the
-// output, and newer ones come behind it.
-std::unique_ptr<SubstanceAir::RenderResult> newestResult(SubstanceAir::OutputInstance& output) {
-    std::unique_ptr<SubstanceAir::RenderResult> newest = output.grabResult();
-    while (newest) {
-        std::unique_ptr<SubstanceAir::RenderResult> newer = output.grabResult();
-        if (!newer) break;
-        newest = std::move(newer);
-    }
-    return newest;
-}
-
-// Takes and frees one result of every output up to the one that gives the image, and all results of that one;
-// those behind it keep theirs.
+// Takes and frees one result of every output up to the one that gives the image; those behind it keep theirs.
 Image harvest(const GraphInstances& graphs) {
     for (const auto& graph : graphs) {
         for (const auto& output : graph->outputs) {
-            const bool isTexture = output->desc.identifier == TextureOutput;
-            const auto result = isTexture ? newestResult(*output) : output->grabResult();
-            if (!result || !isTexture) continue;
+            const std::unique_ptr<SubstanceAir::RenderResult> result = output->grabResult();
+            if (!result || output->desc.identifier != TextureOutput) continue;
             try {
                 if (Image image = toImage(result->texture)) return image;
             } catch (...) {

@@ -41,6 +41,7 @@ bool deliver(SubstanceHandle* handle, unsigned int outputIndex, const RenderJob&
     try {
         std::unique_ptr<RenderResult> result = fetchResult(handle, outputIndex, job);
         if (!result) return false;
+        result->isLate = job.isLate;
         output.appendResult(std::move(result));
         return true;
     } catch (...) {

@@ -2,6 +2,7 @@
 
 #include "framework/render/ProcessObjects.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace SubstanceAir {
@@ -33,6 +34,22 @@ std::unique_ptr<RenderResult> OutputInstance::grabResult() {
 void OutputInstance::appendResult(std::unique_ptr<RenderResult> result) {
     const auto lock = lockResults();
     results.push_back(std::move(result));
+}
+
+// One at a time, as the mutex is held for one only, and not while the engine frees a buffer.
+void OutputInstance::dropLateResults() {
+    while (takeLateResult()) {
+    }
+}
+
+std::unique_ptr<RenderResult> OutputInstance::takeLateResult() {
+    const auto lock = lockResults();
+    const auto late =
+        std::find_if(results.begin(), results.end(), [](const auto& result) { return result->isLate; });
+    if (late == results.end()) return nullptr;
+    std::unique_ptr<RenderResult> taken = std::move(*late);
+    results.erase(late);
+    return taken;
 }
 
 } // namespace SubstanceAir

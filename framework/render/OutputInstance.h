@@ -25,12 +25,17 @@ public:
     std::unique_ptr<RenderResult> grabResult();
     void appendResult(std::unique_ptr<RenderResult> result);
 
+    // A new job is about to give newer textures than the ones that came late: hosts take the oldest.
+    void dropLateResults();
+
     const OutputDesc& desc;
     bool enabled = true;            // only enabled outputs are rendered
     std::uint64_t hostData = 0;     // the host's; rendering does not look at it
     std::atomic<bool> dirty = true; // to be rendered; cleared when a job takes the output
 
 private:
+    std::unique_ptr<RenderResult> takeLateResult(); // null when there is none
+
     std::deque<std::unique_ptr<RenderResult>> results; // oldest first
 };
 

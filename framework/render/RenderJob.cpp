@@ -31,8 +31,11 @@ std::vector<T> unite(const std::vector<T>& preferred, const std::vector<T>& othe
 
 void takeDirtyOutputs(const GraphInstance& graph, RenderJob& job) {
     job.outputs.reserve(graph.outputs.size());
-    for (const auto& output : graph.outputs)
-        if (output->enabled && output->dirty.exchange(false)) job.outputs.push_back(output.get());
+    for (const auto& output : graph.outputs) {
+        if (!output->enabled || !output->dirty.exchange(false)) continue;
+        output->dropLateResults();
+        job.outputs.push_back(output.get());
+    }
 }
 
 void describe(const GraphInstance& graph, RenderJob& job) {

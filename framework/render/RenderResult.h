@@ -19,6 +19,7 @@ public:
 
     const SubstanceTexture texture;
     SubstanceContext* const context; // which allocated the buffer
+    bool isLate = false;             // of a late job
 
 private:
     const std::shared_ptr<const void> keeper;

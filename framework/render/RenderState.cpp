@@ -91,6 +91,11 @@ bool RenderState::hasPackage(unsigned int packageUid) const {
                        [packageUid](const StateKey& key) { return key.packageUid == packageUid; });
 }
 
+void RenderState::markWaiting() {
+    const Lock lock(mutex);
+    for (const auto& job : pending) job->isLate = true;
+}
+
 void RenderState::forgetOutputs(const std::function<bool(const OutputInstance*)>& isForgotten) {
     const Lock lock(mutex);
     for (const auto& job : pending)

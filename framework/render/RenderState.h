@@ -43,6 +43,9 @@ public:
     // True when the state serves this one graph only; its first key then gets the new bytes.
     bool updateKey(std::uint64_t graphIdentity, const std::vector<unsigned char>& newBytes);
 
+    // What waits now was left behind by an earlier request.
+    void markWaiting();
+
     // Whether a key of the state names the package.
     bool hasPackage(unsigned int packageUid) const;
 

@@ -59,6 +59,11 @@ void RendererImpl::pushJob(std::unique_ptr<RenderJob>&& job) {
         if (other != state) (*other)->forgetOutputs(isNewer);
 }
 
+void RendererImpl::markWaitingJobs() {
+    const Lock lock(statesMutex);
+    for (const auto& state : states) state->markWaiting();
+}
+
 void RendererImpl::runAll() {
     if (!ensureContexts()) return;
     for (RenderState* const state : allStates()) state->run(linkerContext.get(), engineContext, packages);

@@ -40,6 +40,9 @@ public:
     // the caller's.
     void pushJob(std::unique_ptr<RenderJob>&& job);
 
+    // At the beginning of a request: jobs that wait now are late.
+    void markWaitingJobs();
+
     void runAll();
 
     // A state-key input of the graph changed. The state that serves this graph alone keeps its handle under

@@ -1,9 +1,12 @@
 // Whatever a host calls, memory may run out in it: the interface, and through it the framework and the host's
 // libraries, with the recording linker and engine, which themselves always have memory.
-#include "bridge/Bridge.h"
 #include "framework/description/PackageDesc.h"
 #include "framework/render/GraphInstance.h"
 #include "framework/render/PackageStackDesc.h"
+#include "framework/render/RenderJob.h"
+#include "framework/render/Renderer.h"
+#include "framework/render/RendererAccess.h"
+#include "tests/Hosting.h"
 #include "tests/faults/AllocationLoop.h"
 #include "tests/framework/description/DescriptionText.h"
 #include "tests/material/ModelText.h"
@@ -19,13 +22,13 @@ namespace {
 
 using namespace kvSubstance;
 using faults::Promise;
+using hosting::Image;
+using hosting::Material;
 using kvString::CString;
 using kvString::EncodingUtf8;
 using kvString::IString;
 using SubstanceAir::PackageDesc;
 using SubstanceAir::PackageStackDesc;
-using Material = kv::Reference<Substance>;
-using Image = kv::TempReference<ilSIDImage>;
 using Numerical = SubstanceAir::InputInstanceNumericalBase;
 
 const std::string wide(70, 'x'); // more than a string keeps inside itself
@@ -81,6 +84,8 @@ const IString samplePath(KVSUBSTANCE_SAMPLES "/bottoms/brick_wall.xml", Encoding
 // ---- What operations work on, all of it
 
 struct World {
+    World() { recording::reset(); }
+
     std::string text;
     kv::vector<char> content, bottomContent, topContent;
     std::unique_ptr<PackageDesc> bottom, top, stack;
@@ -124,9 +129,8 @@ struct World {
     }
 
     void begin() {
-        const std::string bottomBytes = package(false), topBytes = package(true);
-        bottomContent.assign(bottomBytes.begin(), bottomBytes.end());
-        topContent.assign(topBytes.begin(), topBytes.end());
+        bottomContent = hosting::content(package(false));
+        topContent = hosting::content(package(true));
         recording::setTexture({4, 2, 0, true, {1}});
     }
     void create() { material = createSubstance(bottomContent, topContent); }
@@ -145,6 +149,14 @@ struct World {
         showsInstances = false;
         sync(identifier, 9);
     }
+    // The next result of the output that nobody takes from needs more room.
+    void beginWithManyResults() {
+        beginEdited("amount");
+        SubstanceAir::OutputInstance& output = *material->getGraphInstances().at(0)->outputs.at(1);
+        for (int results = 1; results < 63; ++results)
+            output.appendResult(
+                std::make_unique<SubstanceAir::RenderResult>(SubstanceTexture{}, nullptr, nullptr));
+    }
     // The engine has failed once: the job waits.
     void beginWaiting() {
         beginWithMaterial();
@@ -156,15 +168,22 @@ struct World {
         std::swap(material, other);
         create();
     }
-    void edit(const char* identifier, int value) const {
-        SubstanceInput& input = *material->getInput(identifier);
-        input.getType() & 0x20 ? input.setValueI(value, 0) : input.setValueF(static_cast<float>(value), 0);
+    void sync(const char* identifier, float value) const { hosting::setValue(material, identifier, value); }
+    void render() { image = hosting::render(material); }
+
+    // In vain, while a newer job comes in.
+    void renderBesideNewerJob() {
+        recording::onNextStart([this](const auto&) {
+            sync("amount", 8);
+            const SubstanceAir::RendererAccess renderer;
+            renderer->pushJob(SubstanceAir::makeRenderJob(*material->getGraphInstances().at(0)));
+            return 7u;
+        });
+        render();
     }
-    void sync(const char* identifier, int value) const {
-        edit(identifier, value);
-        syncValueFromSubstanceInputToInputInstanceBase(material, material->getInput(identifier));
-    }
-    void render() { image = getTextureFromSubstance(material.get()); }
+
+    std::string look() const;
+    std::string probe();
 };
 
 void print(ClassicText& text, Substance& material) {
@@ -186,57 +205,49 @@ void print(ClassicText& text, const SubstanceAir::GraphInstance& graph) {
     for (const auto& output : graph.outputs) text << (output->dirty ? "dirty " : "clean ");
 }
 
-std::string look(const World& world) {
-    ClassicText text;
-    text << world.text << ", " << world.graphs.size() << " graphs, "
-         << std::string(world.content.begin(), world.content.end());
-    for (const auto* const package : {world.bottom.get(), world.top.get(), world.stack.get()})
+std::string World::look() const {
+    ClassicText all;
+    all << text << ", " << graphs.size() << " graphs, " << std::string(content.begin(), content.end());
+    for (const auto* const package : {bottom.get(), top.get(), stack.get()})
         for (size_t i = 0; package && i < package->graphs().size(); ++i)
-            text << descriptiontext::print(package->graphs()[i]);
-    for (const auto& preset : world.presets) text << preset.label << preset.inputValues.size();
-    if (world.image) text << "pixel " << +world.image->getBytes()[23];
-    if (world.material) print(text, *world.material);
-    if (world.material && world.material->getCachedTexture()) text << "cached";
-    if (world.showsInstances && world.material) print(text, *world.material->getGraphInstances().at(0));
-    return text.str() + recording::misuses();
+            all << descriptiontext::print(package->graphs()[i]);
+    for (const auto& preset : presets) all << preset.label << preset.inputValues.size();
+    if (image) all << "pixel " << +image->getBytes()[23];
+    if (material) print(all, *material);
+    if (material && material->getCachedTexture()) all << "cached";
+    if (showsInstances && material) print(all, *material->getGraphInstances().at(0));
+    return all.str() + recording::misuses();
 }
 
 // The calls that the next edits come to. Two, because the lists of a state are exchanged in each run: then
 // both have had something in them.
-std::string probe(World& world) {
-    if (!world.material || !world.material->getInput("amount")) return {};
-    world.render(); // what has failed for another material, or for another output
+std::string World::probe() {
+    if (!material || !material->getInput("amount")) return {};
+    recording::onNextStart({});
+    render(); // what has failed for another material, or for another output
+    for (const auto& output : material->getGraphInstances().at(0)->outputs)
+        while (output->grabResult()) { // what came late is not kept as long as what did not
+        }
     recording::reset();
     for (const unsigned char value : {3, 4}) {
         recording::setTexture({4, 2, 0, true, {value}});
-        world.sync("amount", value);
-        world.render();
+        sync("amount", value);
+        render();
     }
     const std::string trace = recording::takeTrace();
-    if (!world.other) return trace + look(world);
-    world.material = std::exchange(world.other, {});
-    return trace + probe(world);
+    if (!other) return trace + look();
+    material = std::exchange(other, {});
+    return trace + probe();
 }
 
 // ---- The operations
-
-struct Row {
-    const char* name;
-    void (*prepare)(World&);
-    void (*act)(World&);
-    Promise promise = Promise::Strong;
-};
-
-void PrintTo(const Row& row, std::ostream* stream) {
-    *stream << row.name;
-}
 
 const auto nothing = [](World&) {};
 const auto small = [](World& w) { w.makeMaterial(); };
 const auto rendered = [](World& w) { w.beginRendered(); };
 const auto render = [](World& w) { w.render(); };
 
-const Row rows[] = {
+const faults::Row<World> rows[] = {
     // The material model
     {"material", nothing, small},
     {"newInput", small, [](World& w) { w.material->newInput(9, wideName, TypeFloat1); }},
@@ -270,22 +281,25 @@ const Row rows[] = {
      },
      Promise::Basic},
     {"readFromXMLData", [](World& w) { w.text = description(true); },
-     [](World& w) { w.material = SubstanceReader::getInstance().readFromXMLData(w.text.c_str()); }},
+     [](World& w) { w.material = SubstanceReader::getInstance().readFromXMLData(w.text.c_str()); },
+     Promise::Strong, false},
     {"readContent", nothing, [](World& w) { readSubstanceContent(samplePath, w.content); }},
 
     // Packages and the framework
-    {"packageDesc", nothing, [](World& w) { w.load(true); }},
+    {"packageDesc", nothing, [](World& w) { w.load(true); }, Promise::Strong, false},
     {"packageStackDesc", [](World& w) { w.loadBoth(); }, [](World& w) { w.stackThem(); }},
     {"instantiateGraphs", [](World& w) { w.loadBoth(); }, [](World& w) { w.instantiate(); }, Promise::Basic},
     {"presetsDocument", nothing,
-     [](World& w) { SubstanceAir::parsePresetsDocument(w.presets, presetsDocument.c_str()); }},
+     [](World& w) { SubstanceAir::parsePresetsDocument(w.presets, presetsDocument.c_str()); },
+     Promise::Strong, false},
 
     // The way to the engine and back
-    {"createFromContents", [](World& w) { w.begin(); }, [](World& w) { w.create(); }},
+    {"createFromContents", [](World& w) { w.begin(); }, [](World& w) { w.create(); }, Promise::Strong, false},
     {"createFromPackages", [](World& w) { w.loadBoth(); },
-     [](World& w) { w.material = createSubstance(w.bottom.get(), w.top.get()); }},
+     [](World& w) { w.material = createSubstance(w.bottom.get(), w.top.get()); }, Promise::Strong, false},
     {"synchronise", rendered, [](World& w) { w.sync("amount", 9); }},
-    {"synchroniseStateKey", [](World& w) { w.beginRendered(), w.edit("$seed", 9); },
+    {"synchroniseStateKey",
+     [](World& w) { w.beginRendered(), w.material->getInput("$seed")->setValueI(9, 0); },
      [](World& w) { w.sync("$seed", 9); }},
     {"applyStateStringRendered",
      [](World& w) {
@@ -299,22 +313,17 @@ const Row rows[] = {
     {"textureMergedIntoWaiting", [](World& w) { w.beginWaiting(), w.sync("amount", 7); }, render,
      Promise::Silent},
     {"textureWhileAnotherWaits", [](World& w) { w.beginWithAnotherWaiting(); }, render, Promise::Silent},
+    {"textureBesideManyResults", [](World& w) { w.beginWithManyResults(); }, render, Promise::Silent},
+    {"textureBesideNewerJob", [](World& w) { w.beginEdited("amount"); },
+     [](World& w) { w.renderBesideNewerJob(); }, Promise::Silent},
     {"endOfWaitingMaterial", [](World& w) { w.beginWaiting(); }, [](World& w) { w.material.reset(); }},
     {"endOfRenderedMaterial", rendered, [](World& w) { w.material.reset(); }},
 };
 
-class Allocation : public testing::TestWithParam<Row> {};
+class Allocation : public testing::TestWithParam<faults::Row<World>> {};
 
 TEST_P(Allocation, everyFailureIsSurvived) {
-    const Row& row = GetParam();
-    const auto prepare = [&row] {
-        recording::reset();
-        const auto world = std::make_shared<World>();
-        row.prepare(*world);
-        return faults::Scene{[&row, world] { row.act(*world); }, [world] { return look(*world); },
-                             [world] { return probe(*world); }};
-    };
-    faults::failEveryAllocation({row.name, prepare, row.promise}, &recording::isInsideDouble);
+    faults::failEveryAllocation(GetParam(), &recording::isInsideDouble);
     EXPECT_EQ(recording::liveTextures(), 0u);
 }
 
