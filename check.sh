@@ -11,7 +11,8 @@
 #   ./check.sh abi [record]    the binary interface against its record; or writes the record anew
 #   ./check.sh coverage        lines and branches that the tests reach (build/coverage/pages)
 #   ./check.sh bench           benchmarks, as one table (build/release/benchmarks.txt); fails when a target is missed
-#   ./check.sh fuzz [SECONDS]  each fuzzer for so long (60 seconds) on what it has found so far
+#   ./check.sh fuzz [SECONDS]  each fuzzer for so long (60 seconds) on what it has found so far; "smoke": shortly,
+#                              and the same each time
 #   ./check.sh soak [SECONDS]  random operations for so long (600 seconds); fails when memory, threads or handles grow
 #
 # Each mode builds into build/<mode> (the first one into build/release). Warnings are errors.

@@ -1,14 +1,15 @@
 #!/usr/bin/env bash
 # Builds the fuzzers and runs them in turn. ./check.sh fuzz calls it, when the packages are there.
 #
-#   fuzz.sh [--built] [SECONDS [TARGET...]]
+#   fuzz.sh [--built] [SECONDS|smoke [TARGET...]]
 #   fuzz.sh --keep [TARGET...]
 #
-# Each target runs for so long (60 seconds if nothing is said) on one core, and prints one line. A finding ends the
-# script with status 1; the line before says how to see it again. New inputs of interest stay in
-# build/fuzz/corpora; build/fuzz/totals.txt has a line for each run: target, executions, seconds. With --built the
-# programs are taken as they are. --keep fuzzes nothing but moves the smallest of the new inputs that cover more than
-# those in fuzzers/ do to fuzzers/corpora, which stays below 100 kB for each target.
+# Each target runs for so long (60 seconds if nothing is said) on one core, and prints one line. "smoke" stands for
+# 2,000 executions, the same each time. A finding ends the script with status 1; the line before says how to see it
+# again. New inputs of interest stay in build/fuzz/corpora; build/fuzz/totals.txt has a line for each run: target,
+# executions, seconds. With --built the programs are taken as they are. --keep fuzzes nothing but moves the smallest
+# of the new inputs that cover more than those in fuzzers/ do to fuzzers/corpora, which stays below 100 kB for each
+# target.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -20,7 +21,11 @@ case ${1:-} in
 --keep) is_built=1; is_keeping=1; shift ;;
 esac
 if [ -z "$is_keeping" ] && [ $# -gt 0 ]; then seconds=$1; shift; fi
-[[ $seconds =~ ^[1-9][0-9]*$ ]] || { echo "error: \"$seconds\" is no number of seconds" >&2; exit 2; }
+case $seconds in
+smoke) limit="-runs=2000 -seed=1" ;;
+*) limit="-max_total_time=$seconds" ;;
+esac
+[[ $seconds =~ ^([1-9][0-9]*|smoke)$ ]] || { echo "error: \"$seconds\" is no number of seconds" >&2; exit 2; }
 targets=("$@")
 [ ${#targets[@]} -gt 0 ] || targets=(package assembly description host_description presets gui state_string source
     calls verifier)
@@ -84,6 +89,10 @@ if [ -n "$is_keeping" ]; then
 fi
 for target in "${targets[@]}"; do
     corpus=$build/corpora/$target
+    if [ "$seconds" = smoke ]; then
+        corpus=$build/smoke/$target
+        rm -rf "$corpus"
+    fi
     log=$build/$target.log
     mkdir -p "$corpus"
     inputs=("$corpus")
@@ -91,8 +100,8 @@ for target in "${targets[@]}"; do
         if [ -d "$folder/$target" ]; then inputs+=("$folder/$target"); fi
     done
     if [ "$target" = source ]; then inputs+=(samples/tops); fi
-    # shellcheck disable=SC2046 # several options
-    if ! $build/bin/fuzz_"$target" $(options "$target") -max_total_time="$seconds" -timeout=25 \
+    # shellcheck disable=SC2046,SC2086 # several options
+    if ! $build/bin/fuzz_"$target" $(options "$target") $limit -timeout=25 \
             -rss_limit_mb=2048 -malloc_limit_mb=128 -print_final_stats=1 -artifact_prefix=$build/"$target"- \
             "${inputs[@]}" >"$log" 2>&1; then
         finding=$(grep -o "$build/$target-[a-z]*-[0-9a-f]*" "$log" | tail -n 1 || true)
@@ -101,7 +110,9 @@ for target in "${targets[@]}"; do
         exit 1
     fi
     statistic() { sed -n "s/^stat::$1: *//p" "$log"; }
-    echo "$target $(statistic number_of_executed_units) $seconds" >>$build/totals.txt
+    if [ "$seconds" != smoke ]; then
+        echo "$target $(statistic number_of_executed_units) $seconds" >>$build/totals.txt
+    fi
     printf '%-17s %10s executions %7s/s, corpus %5s inputs, %5s new, peak %5s MiB\n' "$target" \
         "$(statistic number_of_executed_units)" "$(statistic average_exec_per_sec)" \
         "$(sed -n 's/.*DONE .*corp: \([0-9]*\).*/\1/p' "$log")" "$(statistic new_units_added)" \
