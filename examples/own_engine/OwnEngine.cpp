@@ -3,110 +3,46 @@
 // A real one computes on other threads or on a graphics card. What stays the same is said beside each
 // function. As in the linker null pointers are refused, out-parameters are set first, and no exception
 // leaves.
-#include "OwnPicture.h"
 #include "OwnProgram.h"
-#include "platform/engine.h"
 
 #include <algorithm>
-#include <cstring>
-#include <map>
-#include <memory>
-#include <mutex>
-#include <set>
+#include <atomic>
+#include <iterator>
 #include <utility>
+#include <vector>
 
-// "Its memory lives until the last buffer is freed": whoever leaves last, the user, a handle or a buffer,
-// ends it.
+// "Its memory lives until the last buffer is freed": the host may keep textures for longer than the library
+// keeps its context, and buffers come back on any thread, also while a run makes new ones.
 struct SubstanceContext_ {
-    std::mutex mutex; // buffers come back on any thread, also while a run makes new ones
     SubstanceOutputCompletedCallback completed = nullptr;
-    std::set<void*> buffers;
-    unsigned int users = 1;
+    std::atomic<unsigned int> users{1}; // whoever made it, and buffers; the last to leave ends it
 };
 
 struct SubstanceHandle_ {
     // What one push asked for, with the values of that moment.
     struct Request {
-        std::vector<unsigned int> outputs;
-        own::Values values;
+        own::Program program;
+        own::Uids uids;
         void* jobUserData;
     };
 
     SubstanceContext* context;
-    const own::Program program;
-    own::Values values;
+    own::Program program; // a copy, with the values that were set last
     std::vector<Request> queue{};
-    std::map<unsigned int, SubstanceTexture> textures{}; // which nobody fetched yet
-    bool isRunning = false;                              // when nobody may start or release it
+    // By indices of outputs: what nobody fetched yet, or zeros.
+    std::map<unsigned int, SubstanceTexture> textures{};
+    bool isRunning = false; // when nobody may start or release it
 };
 
-namespace {
-
-void enter(SubstanceContext& context) {
-    const std::lock_guard<std::mutex> lock(context.mutex);
-    ++context.users;
+static unsigned int leave(SubstanceContext* context) {
+    if (--context->users == 0) delete context;
+    return 0;
 }
 
-void leave(SubstanceContext* context) {
-    std::unique_lock<std::mutex> lock(context->mutex);
-    const bool isLast = --context->users == 0;
-    lock.unlock();
-    if (isLast) delete context;
-}
-
-// "Levels follow each other in the buffer, full size first, rows tightly packed, the first row at the top."
-SubstanceTexture textureOf(const own::Picture& picture, int format, SubstanceContext& context) {
-    auto buffer = std::make_unique<unsigned char[]>(picture.bytes.size());
-    std::copy(picture.bytes.begin(), picture.bytes.end(), buffer.get());
-    SubstanceTexture texture{};
-    texture.level0Width = static_cast<unsigned short>(picture.width);
-    texture.level0Height = static_cast<unsigned short>(picture.height);
-    texture.pixelFormat = static_cast<unsigned char>(format);
-    texture.mipmapCount = static_cast<unsigned char>(picture.levels);
-    const std::lock_guard<std::mutex> lock(context.mutex);
-    context.buffers.insert(buffer.get());
-    ++context.users;
-    texture.buffer = buffer.release();
-    return texture;
-}
-
-// False for what is no buffer of this context.
-bool freeBuffer(SubstanceContext* context, void* buffer) {
-    {
-        const std::lock_guard<std::mutex> lock(context->mutex);
-        if (context->buffers.erase(buffer) == 0) return false;
-    }
-    delete[] static_cast<unsigned char*>(buffer);
-    leave(context);
-    return true;
-}
-
-void forgetTexture(SubstanceHandle& handle, unsigned int output) {
-    const auto found = handle.textures.find(output);
-    if (found == handle.textures.end()) return;
-    freeBuffer(handle.context, found->second.buffer);
-    handle.textures.erase(found);
-}
-
-// The last of a uid: of two packages with the same uids it is the one on top that is looked at.
-bool findOutput(const own::Program& program, std::uint32_t uid, unsigned int& index) {
-    for (std::size_t i = program.outputs.size(); i-- > 0;)
-        if (program.outputs[i].uid == uid) {
-            index = static_cast<unsigned int>(i);
-            return true;
-        }
-    return false;
-}
-
-} // namespace
-
-extern "C" {
-
+// This engine computes on the processor; another would use the device's word.
 unsigned int substanceContextInit(SubstanceContext** context, SubstanceDevice* device) {
-    if (!context) return 1;
-    *context = nullptr;
-    if (!device) return 1; // this engine computes on the processor; another would use the word
-    return own::guarded([&] { return (*context = new SubstanceContext) != nullptr; });
+    if (!own::clear(context) || !device) return 1;
+    return own::guarded([&] { *context = new SubstanceContext; });
 }
 
 unsigned int substanceContextSetCallback(SubstanceContext* context, unsigned int kind,
@@ -116,38 +52,26 @@ unsigned int substanceContextSetCallback(SubstanceContext* context, unsigned int
     return 0;
 }
 
-// The host may keep textures for longer than the library keeps its context: see leave().
 unsigned int substanceContextRelease(SubstanceContext* context) {
-    if (!context) return 1;
-    leave(context);
-    return 0;
+    return context ? leave(context) : 1;
 }
 
 // Results die on the host's threads, whatever the render thread is doing.
 unsigned int substanceContextMemoryFree(SubstanceContext* context, void* buffer) {
-    return context && buffer && freeBuffer(context, buffer) ? 0 : 1;
+    if (!context || !buffer) return 1;
+    delete[] static_cast<unsigned char*>(buffer);
+    return leave(context);
 }
 
 // Whatever the bytes are: own::read() lets nothing through that the functions below could trip over.
 unsigned int substanceHandleInit(SubstanceHandle** handle, SubstanceContext* context,
                                  const unsigned char* assembly, size_t size, unsigned int flags) {
-    if (!handle) return 1;
-    *handle = nullptr;
-    if (!context || flags != 0) return 1;
-    return own::guarded([&] {
-        std::optional<own::Program> program = own::read(assembly, size);
-        if (!program) return false;
-        own::Values defaults = own::defaultValues(*program);
-        *handle = new SubstanceHandle{context, std::move(*program), std::move(defaults)};
-        enter(*context);
-        return true;
-    });
+    if (!own::clear(handle) || !context || flags != 0) return 1;
+    return own::guarded([&] { *handle = new SubstanceHandle{context, own::read(assembly, size)}; });
 }
 
 unsigned int substanceHandleGetDesc(SubstanceHandle* handle, SubstanceDataDesc* desc) {
-    if (!desc) return 1;
-    *desc = {};
-    if (!handle) return 1;
+    if (!own::clear(desc) || !handle) return 1;
     desc->inputsCount = static_cast<unsigned int>(handle->program.inputs.size());
     desc->outputsCount = static_cast<unsigned int>(handle->program.outputs.size());
     return 0;
@@ -156,33 +80,27 @@ unsigned int substanceHandleGetDesc(SubstanceHandle* handle, SubstanceDataDesc* 
 // From here the library learns which index stands for which uid.
 unsigned int substanceHandleGetInputDesc(SubstanceHandle* handle, unsigned int index,
                                          SubstanceInputDesc* desc) {
-    if (!desc) return 1;
-    *desc = {};
-    if (!handle || index >= handle->program.inputs.size()) return 1;
-    *desc = {handle->program.inputs[index].uid, handle->program.inputs[index].type, index};
+    if (!own::clear(desc) || !handle || index >= handle->program.inputs.size()) return 1;
+    const auto& [uid, input] = *std::next(handle->program.inputs.begin(), index);
+    *desc = {uid, input.type, index};
     return 0;
 }
 
 unsigned int substanceHandleGetOutputDesc(SubstanceHandle* handle, unsigned int index,
                                           SubstanceOutputDesc* desc) {
-    if (!desc) return 1;
-    *desc = {};
-    if (!handle || index >= handle->program.outputs.size()) return 1;
-    *desc = {handle->program.outputs[index].uid, handle->program.outputs[index].format};
+    if (!own::clear(desc) || !handle || index >= handle->program.outputs.size()) return 1;
+    const auto& [uid, output] = *std::next(handle->program.outputs.begin(), index);
+    *desc = {uid, output.format};
     return 0;
 }
 
 // From here on the buffer is the caller's. A second fetch finds nothing, so that no buffer is freed twice.
 unsigned int substanceHandleGetOutputs(SubstanceHandle* handle, unsigned int flags, unsigned int outputIndex,
                                        unsigned int count, SubstanceTexture* texture) {
-    if (!texture) return 1;
-    *texture = {};
-    if (!handle || flags != 0 || count != 1) return 1;
-    const auto found = handle->textures.find(outputIndex);
-    if (found == handle->textures.end()) return 1;
-    *texture = found->second;
-    handle->textures.erase(found);
-    return 0;
+    if (!own::clear(texture) || !handle || flags != 0 || count != 1) return 1;
+    if (auto* const computed = own::find(handle->textures, outputIndex))
+        *texture = std::exchange(*computed, {});
+    return texture->buffer ? 0 : 1;
 }
 
 // The library frees buffers through it.
@@ -198,19 +116,22 @@ unsigned int substanceHandlePushSetInput(SubstanceHandle* handle, unsigned int f
     if (!handle) return 1;
     if (flags == SubstancePushInputHint) return 0;
     if (flags != SubstancePushInput || reserved != 0 || inputIndex >= handle->program.inputs.size()) return 1;
-    if (type != handle->program.inputs[inputIndex].type) return 1;
+    own::Input& input = std::next(handle->program.inputs.begin(), inputIndex)->second;
+    if (type != input.type) return 1;
     if (type == SubstanceInputImage) {
-        const auto* const texture = static_cast<const SubstanceTextureInput*>(value);
-        return own::guarded([&] {
-            std::shared_ptr<const own::Image> image;
-            if (texture && texture->pixels && !(image = own::readImage(*texture))) return false;
-            handle->values.images[inputIndex] = std::move(image); // without pixels: no image any more
-            return true;
-        });
+        const auto* const image = static_cast<const SubstanceTextureInput*>(value);
+        const auto* const texel = image ? static_cast<const unsigned char*>(image->pixels) : nullptr;
+        const bool isEmpty = texel && (image->level0Width == 0 || image->level0Height == 0);
+        if (texel && (isEmpty || !own::isFormat(image->pixelFormat) || image->channelsOrder != 0)) return 1;
+        input.value =
+            texel ? own::Value{texel[0] / 255.0f, texel[1] / 255.0f, texel[2] / 255.0f} : own::Value{};
+        return 0;
     }
     if (!value) return 1;
-    std::memcpy(handle->values.numbers[inputIndex].data(), value,
-                static_cast<std::size_t>(own::componentCount(type)) * sizeof(std::uint32_t));
+    if (type <= SubstanceInputFloat4)
+        std::copy_n(static_cast<const float*>(value), own::componentCount(type), input.value.begin());
+    else
+        std::copy_n(static_cast<const int*>(value), own::componentCount(type), input.value.begin());
     return 0;
 }
 
@@ -223,12 +144,7 @@ unsigned int substanceHandlePushOutputs(SubstanceHandle* handle, unsigned int fl
     if (flags == SubstancePushOutputUidsHint) return 0;
     if (flags != SubstancePushOutputUids || (!outputUids && count > 0)) return 1;
     return own::guarded([&] {
-        std::set<unsigned int> wanted;
-        unsigned int index = 0;
-        for (unsigned int i = 0; i < count; ++i)
-            if (findOutput(handle->program, outputUids[i], index)) wanted.insert(index);
-        handle->queue.push_back({{wanted.begin(), wanted.end()}, handle->values, jobUserData});
-        return true;
+        handle->queue.push_back({handle->program, {outputUids, outputUids + count}, jobUserData});
     });
 }
 
@@ -238,18 +154,18 @@ unsigned int substanceHandlePushOutputs(SubstanceHandle* handle, unsigned int fl
 unsigned int substanceHandleStart(SubstanceHandle* handle, unsigned int flags) {
     if (!handle || flags != 0 || handle->isRunning) return 1;
     handle->isRunning = true;
+    const auto requests = std::exchange(handle->queue, {});
     const unsigned int status = own::guarded([&] {
-        const auto requests = std::exchange(handle->queue, {});
-        for (const auto& request : requests)
-            for (const unsigned int output : request.outputs) {
-                forgetTexture(*handle, output); // of an earlier run, that nobody came for
-                handle->textures[output] =
-                    textureOf(own::paint(handle->program, request.values, output),
-                              handle->program.outputs[output].format, *handle->context);
-                const auto completed = handle->context->completed;
-                if (completed) completed(handle, output, request.jobUserData);
+        for (const auto& [program, uids, jobUserData] : requests)
+            for (unsigned int index = 0; index < program.outputs.size(); ++index) {
+                const unsigned int uid = std::next(program.outputs.begin(), index)->first;
+                if (uids.count(uid) == 0) continue;
+                SubstanceTexture& texture = handle->textures[index]; // gives way, if nobody came for it
+                substanceContextMemoryFree(handle->context, std::exchange(texture, {}).buffer);
+                texture = own::paint(program, uid);
+                ++handle->context->users;
+                if (handle->context->completed) handle->context->completed(handle, index, jobUserData);
             }
-        return true;
     });
     handle->isRunning = false;
     return status;
@@ -257,10 +173,8 @@ unsigned int substanceHandleStart(SubstanceHandle* handle, unsigned int flags) {
 
 unsigned int substanceHandleRelease(SubstanceHandle* handle) {
     if (!handle || handle->isRunning) return 1;
-    while (!handle->textures.empty()) forgetTexture(*handle, handle->textures.begin()->first);
-    leave(handle->context);
+    for (const auto& [index, texture] : handle->textures)
+        substanceContextMemoryFree(handle->context, texture.buffer);
     delete handle;
     return 0;
 }
-
-} // extern "C"
