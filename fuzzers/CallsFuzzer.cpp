@@ -6,6 +6,7 @@
 #include "framework/description/PackageDesc.h"
 #include "framework/render/PackageStackDesc.h"
 #include "fuzzers/Model.h"
+#include "tests/ReadFile.h"
 #include "tests/recording/RecordingState.h"
 
 #include <boost/make_shared.hpp>
@@ -20,33 +21,6 @@ namespace {
 using namespace fuzzing;
 using namespace kvSubstance;
 using SubstanceAir::PackageDesc;
-
-const char* const bottomDescription =
-    "<sbsdescription asmuid='1'><graphs count='1'><graph pkgurl='pkg:/bottom' label='Bottom'><outputs>"
-    "<output uid='11' identifier='diffuse'/><output uid='12' identifier='height' format='65'/></outputs>"
-    "<inputs><input uid='13' identifier='$seed' type='4' default='1' alteroutputs='11,12'/>"
-    "<input uid='14' identifier='scale' type='0' default='2' alteroutputs='11'>"
-    "<inputgui widget='slider' label='Scale'><guislider min='0' max='4'/></inputgui></input>"
-    "</inputs></graph></graphs></sbsdescription>";
-
-// The input "pick" alters all outputs.
-const char* const topDescription =
-    "<sbsdescription asmuid='2'><graphs count='1'><graph pkgurl='pkg:/top' label='Top'><outputs>"
-    "<output uid='20' identifier='before' format='64'/><output uid='21' identifier='Output'/>"
-    "<output uid='22' identifier='after' mipmaps='3'/></outputs><inputs>"
-    "<input uid='23' identifier='$seed' type='4' default='1' alteroutputs='20,21,22'/>"
-    "<input uid='24' identifier='$resolution' type='8' default='2,2' alteroutputs='20,21,22'/>"
-    "<input uid='25' identifier='diffuse' type='5' alteroutputs='21'/>"
-    "<input uid='26' identifier='mask' type='5' alteroutputs='21,22'/>"
-    "<input uid='27' identifier='pick' type='0' default='0' alteroutputs='20,21,22'>"
-    "<inputgui widget='slider' label='Pick'/></input>"
-    "<input uid='28' identifier='tint' type='2' default='1,0,0' alteroutputs='21'>"
-    "<inputgui widget='color' label='Tint'/></input>"
-    "<input uid='29' identifier='offset' type='1' alteroutputs='20'><inputgui widget='angle'/></input>"
-    "<input uid='30' identifier='many' type='3' alteroutputs='22'/>"
-    "<input uid='31' identifier='counts' type='10' alteroutputs='20,22'/>"
-    "<input uid='32' identifier='three' type='9'/>"
-    "</inputs></graph></graphs></sbsdescription>";
 
 // What may fail, without the "substance" that all names begin with.
 std::vector<std::string> functions() {
@@ -210,8 +184,9 @@ private:
     kv::TempReference<ilSIDImage> image_;
 };
 
-PackageDesc* load(const char* description, const char* tag) {
-    const std::string bytes = recording::packageBytes(description, tag);
+PackageDesc* load(const std::string& name) {
+    const std::string description = readFile(KVSUBSTANCE_CALLS_FUZZER "/" + name + ".xml");
+    const std::string bytes = recording::packageBytes(description, name);
     return new PackageDesc(bytes.data(), bytes.size(), nullptr);
 }
 
@@ -229,8 +204,8 @@ void endRecording() {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     recording::reset();
-    static PackageDesc* const bottom = load(bottomDescription, "bottom"); // longer than all the rest
-    static PackageDesc* const top = load(topDescription, "top");
+    static PackageDesc* const bottom = load("bottom"); // longer than all the rest
+    static PackageDesc* const top = load("top");
     {
         Choices choices(data, size);
         World world(*bottom, *top);

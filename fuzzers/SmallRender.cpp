@@ -6,7 +6,6 @@
 #include "platform/engine.h"
 
 #include <numeric>
-#include <optional>
 #include <set>
 
 namespace fuzzing {
@@ -23,8 +22,7 @@ SubstanceContext* context() {
         SubstanceContext* fresh = nullptr;
         SubstanceDevice device{};
         require(substanceContextInit(&fresh, &device) == 0, "there is a context");
-        const SubstanceOutputCompletedCallback report = [](SubstanceHandle*, unsigned int index,
-                                                           void* reports) {
+        const SubstanceOutputCompletedCallback report = [](auto*, unsigned int index, void* reports) {
             static_cast<Reports*>(reports)->insert(index);
         };
         substanceContextSetCallback(fresh, SubstanceCallbackOutputCompleted,
@@ -62,10 +60,11 @@ void render(SubstanceHandle* handle, const Program& program) {
     for (const unsigned int index : reports) readTexture(handle, index, program.outputs.at(index));
 }
 
-void push(SubstanceHandle* handle, unsigned int index, ValueType type, const void* value) {
-    require(
-        substanceHandlePushSetInput(handle, SubstancePushInput, index, static_cast<int>(type), value, 0) == 0,
-        "an input takes any value of its type");
+void push(SubstanceHandle* handle, const Program& program, std::size_t input, const void* value) {
+    const auto index = static_cast<unsigned int>(input);
+    const int type = static_cast<int>(program.inputs[input].type);
+    require(substanceHandlePushSetInput(handle, SubstancePushInput, index, type, value, 0) == 0,
+            "an input takes any value of its type");
 }
 
 // Sizes small, images there, and the rest as it is.
@@ -73,24 +72,18 @@ void pushFirstValues(SubstanceHandle* handle, const Program& program) {
     Bytes pixels(std::size_t{3} * 5 * 4);
     std::iota(pixels.begin(), pixels.end(), static_cast<unsigned char>(220)); // wraps
     const SubstanceTextureInput image{pixels.data(), 3, 5, SubstanceFormatSrgb, 0, 1};
-    const std::vector<bool> isSize = sizeInputs(program);
-    for (unsigned int i = 0; i < program.inputs.size(); ++i) {
-        const ValueType type = program.inputs[i].type;
-        if (type == ValueType::Image) push(handle, i, type, &image);
-        if (isSize[i]) push(handle, i, type, smallSize(type).data());
-    }
+    for (std::size_t i = 0; i < program.inputs.size(); ++i)
+        if (program.inputs[i].type == ValueType::Image) push(handle, program, i, &image);
+    for (const auto& [input, size] : smallSizes(program)) push(handle, program, input, size.data());
 }
 
 // Any bytes are a value, for instance a NaN. Images are taken away.
 void pushChosenValues(SubstanceHandle* handle, const Program& program, Choices& values) {
-    const std::vector<bool> isSize = sizeInputs(program);
-    for (unsigned int i = 0; i < program.inputs.size() && !values.empty(); ++i) {
-        const ValueType type = program.inputs[i].type;
-        if (isSize[i] || values.byte() % 2 == 0) continue;
-        if (type == ValueType::Image)
-            push(handle, i, type, nullptr);
-        else
-            push(handle, i, type, values.raw<std::array<std::int32_t, 4>>().data());
+    const InputSizes sizes = smallSizes(program);
+    for (std::size_t i = 0; i < program.inputs.size() && !values.empty(); ++i) {
+        if (sizes.count(i) > 0 || values.byte() % 2 == 0) continue;
+        const bool isImage = program.inputs[i].type == ValueType::Image;
+        push(handle, program, i, isImage ? nullptr : values.raw<std::array<std::int32_t, 4>>().data());
     }
 }
 
@@ -110,19 +103,18 @@ bool isCheap(const Program& program) {
     return cost.operations <= mostOperations && cost.bytes <= mostBytes && cost.nodes <= mostNodes;
 }
 
-std::vector<bool> sizeInputs(const Program& program) {
-    std::vector<bool> flags(program.inputs.size());
-    for (const ProgramNode& node : program.nodes)
-        if (node.resolution.input != Binding::constantOnly)
-            flags[static_cast<std::size_t>(node.resolution.input)] = true;
-    return flags;
-}
-
-// One number stands for both sides.
-std::array<std::int32_t, 4> smallSize(ValueType type) {
+InputSizes smallSizes(const Program& program) {
     static_assert(smallLog2Height <= smallLog2Width, "squares have the smaller side");
-    if (componentCount(type) == 1) return {smallLog2Height, 0, 0, 0};
-    return {smallLog2Width, smallLog2Height, 0, 0};
+    InputSizes sizes;
+    for (const ProgramNode& node : program.nodes) {
+        if (node.resolution.input == Binding::constantOnly) continue;
+        const auto input = static_cast<std::size_t>(node.resolution.input);
+        if (componentCount(program.inputs[input].type) == 1)
+            sizes[input] = {smallLog2Height}; // for both sides
+        else
+            sizes[input] = {smallLog2Width, smallLog2Height};
+    }
+    return sizes;
 }
 
 bool renderSmall(const void* assembly, std::size_t size, Choices& values) {

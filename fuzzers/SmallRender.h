@@ -5,6 +5,7 @@
 #include "fuzzers/Fuzzing.h"
 
 #include <array>
+#include <map>
 
 namespace fuzzing {
 
@@ -18,9 +19,9 @@ std::vector<std::size_t> allOutputs(const embedded::Program& program);
 // Whether computing them is quick enough for a fuzzer, when inputs ask for the small size.
 bool isCheap(const embedded::Program& program);
 
-// The inputs that decide about the size of any node: one flag for each. And the value that makes it small.
-std::vector<bool> sizeInputs(const embedded::Program& program);
-std::array<std::int32_t, 4> smallSize(embedded::ValueType type);
+// Of the inputs that decide about the size of any node, by index: the value that makes it small.
+using InputSizes = std::map<std::size_t, std::array<std::int32_t, 4>>;
+InputSizes smallSizes(const embedded::Program& program);
 
 // Ends the process when the engine and the verifier disagree about the assembly, or the engine breaks a rule
 // of its interface while it renders all outputs twice, the second time with chosen input values. Whether the

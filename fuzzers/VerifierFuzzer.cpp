@@ -2,52 +2,18 @@
 // stated cost, and gives, number for number, what the plain evaluator gives, all finite.
 //
 // The first byte chooses the sample; then each edit has two bytes for the place and one for the new value.
-#include "embedded/compiler/Compiler.h"
 #include "embedded/program/Assembly.h"
 #include "embedded/program/Cost.h"
-#include "embedded/program/Package.h"
 #include "fuzzers/SmallRender.h"
-#include "tests/embedded/engine/ProgramBuilder.h"
 #include "tests/embedded/engine/Rendering.h"
+#include "tests/embedded/samples/Samples.h"
 
-#include <filesystem>
-#include <fstream>
 #include <iterator>
-#include <optional>
 
 namespace {
 
 using namespace fuzzing;
 using namespace embedded;
-namespace fs = std::filesystem;
-
-// By name, so that an input means the same on every machine.
-const std::vector<fuzzing::Bytes>& samples() {
-    static const auto assemblies = [] {
-        std::vector<fs::path> sources;
-        for (const auto& entry : fs::recursive_directory_iterator(KVSUBSTANCE_SAMPLE_SOURCES))
-            if (entry.path().extension() == ".xml") sources.push_back(entry.path());
-        std::sort(sources.begin(), sources.end(),
-                  [](const auto& a, const auto& b) { return a.stem() < b.stem(); });
-        std::vector<fuzzing::Bytes> made;
-        for (const fs::path& source : sources) {
-            std::ifstream file(source, std::ios::binary);
-            const std::string text((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
-            const CompileResult compiled = compilePackage(text);
-            made.push_back(decodePackage(compiled.package.data(), compiled.package.size())->assembly);
-        }
-        return made;
-    }();
-    return assemblies;
-}
-
-InputValues smallValues(const Program& program) {
-    InputValues inputs = defaultValues(program);
-    const std::vector<bool> isSize = sizeInputs(program);
-    for (std::size_t i = 0; i < program.inputs.size(); ++i)
-        if (isSize[i]) inputs.values[i].integers = smallSize(program.inputs[i].type);
-    return inputs;
-}
 
 void checkCost(const Program& program, const InputValues& inputs) {
     const std::vector<std::size_t> outputs = allOutputs(program);
@@ -84,15 +50,17 @@ void comparePlainly(Program program, const ProgramOutput& output, const InputVal
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    static const auto samples = sampleAssemblies();
     Choices choices(data, size);
-    fuzzing::Bytes bytes = samples().at(choices.below(samples().size()));
+    fuzzing::Bytes bytes = std::next(samples.begin(), choices.below(samples.size()))->second;
     while (!choices.empty()) {
         const std::size_t place = choices.raw<std::uint16_t>() % bytes.size();
         bytes[place] = static_cast<unsigned char>(choices.byte());
     }
     const std::optional<Program> program = decodeAssembly(bytes.data(), bytes.size());
     if (!program || !isCheap(*program)) return 0;
-    const InputValues inputs = smallValues(*program);
+    InputValues inputs = defaultValues(*program);
+    for (const auto& [input, small] : smallSizes(*program)) inputs.values[input].integers = small;
     checkCost(*program, inputs);
     if (!program->outputs.empty())
         comparePlainly(*program, program->outputs[size % program->outputs.size()], inputs);

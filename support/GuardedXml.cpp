@@ -15,17 +15,14 @@ bool beginsName(char c) {
     return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_';
 }
 
-constexpr std::array<bool, 256> nameCharacters() {
-    std::array<bool, 256> allowed{};
-    for (size_t c = 'a'; c <= 'z'; ++c) allowed[c] = true;
-    for (size_t c = 'A'; c <= 'Z'; ++c) allowed[c] = true;
-    for (size_t c = '0'; c <= '9'; ++c) allowed[c] = true;
-    for (const char c : {'_', '-', '.', ':'}) allowed[static_cast<unsigned char>(c)] = true;
-    return allowed;
-}
-
 bool continuesName(char c) {
-    static constexpr std::array<bool, 256> allowed = nameCharacters();
+    static constexpr std::array<bool, 256> allowed = [] {
+        std::array<bool, 256> all{};
+        for (size_t letter = 'a'; letter <= 'z'; ++letter) all[letter] = all[letter - 'a' + 'A'] = true;
+        for (size_t digit = '0'; digit <= '9'; ++digit) all[digit] = true;
+        for (const char mark : {'_', '-', '.', ':'}) all[static_cast<unsigned char>(mark)] = true;
+        return all;
+    }();
     return allowed[static_cast<unsigned char>(c)];
 }
 

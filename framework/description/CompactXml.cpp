@@ -10,16 +10,14 @@ namespace {
 
 constexpr size_t usualSize = 320; // characters of the GUI of an input
 
-// By character: whether the printer writes it otherwise than it stands.
-constexpr std::array<bool, 256> encodedCharacters() {
-    std::array<bool, 256> encoded{};
-    for (std::size_t c = 0; c < ' '; ++c) encoded[c] = true;
-    for (const char c : {'&', '<', '>', '"', '\''}) encoded[static_cast<unsigned char>(c)] = true;
-    return encoded;
-}
-
 bool isPlain(const std::string& text) {
-    static constexpr std::array<bool, 256> encoded = encodedCharacters();
+    // By character: whether the printer writes it otherwise than it stands.
+    static constexpr std::array<bool, 256> encoded = [] {
+        std::array<bool, 256> all{};
+        for (std::size_t c = 0; c < ' '; ++c) all[c] = true;
+        for (const char c : {'&', '<', '>', '"', '\''}) all[static_cast<unsigned char>(c)] = true;
+        return all;
+    }();
     bool isAny = false; // looking at all of them takes less time than stopping at the first
     for (const char c : text) isAny |= encoded[static_cast<unsigned char>(c)];
     return !isAny;

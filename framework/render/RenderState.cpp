@@ -126,10 +126,6 @@ bool RenderState::makeHandle(SubstanceLinkerContext* linkerContext, SubstanceCon
 }
 
 unsigned int RenderState::link(SubstanceLinkerContext* linkerContext, const PackageRegistry& packages) {
-    if (!assembly.empty()) {
-        assembly.clear();
-        handle.reset();
-    }
     SubstanceLinkerHandle* linkerHandle = nullptr;
     substanceLinkerHandleInit(&linkerHandle, linkerContext); // a failure shows in the calls that follow
     std::unique_ptr<SubstanceLinkerHandle, LinkerHandleRelease> owner(linkerHandle);

@@ -66,6 +66,17 @@ void request(bool isLast) {
     objects->wake.notify_one();
 }
 
+// The thread, which is told to end, or none.
+boost::thread takeWorker(ProcessObjects& objects) {
+    boost::thread taken;
+    const Lock lock(objects.rendererMutex);
+    if (!objects.worker.joinable()) return taken;
+    objects.running = false;
+    objects.wake.notify_one();
+    taken.swap(objects.worker);
+    return taken;
+}
+
 } // namespace
 
 RenderTurn::RenderTurn() {
@@ -104,14 +115,8 @@ void waitRenderDone() {
 void stopRenderThread() {
     ProcessObjects* const objects = processObjects();
     if (!objects) return;
-    boost::thread ending;
-    {
-        const Lock lock(objects->rendererMutex);
-        if (!objects->worker.joinable()) return;
-        objects->running = false;
-        objects->wake.notify_one();
-        ending.swap(objects->worker);
-    }
+    boost::thread ending = takeWorker(*objects);
+    if (!ending.joinable()) return;
     const Uninterrupted uninterrupted;
     ending.join(); // outside the mutex, which the thread needs to end
 }

@@ -1,9 +1,10 @@
 // Packages of one graph.
 #pragma once
 
-#include "bridge/Bridge.h"
+#include "tests/Hosting.h"
 #include "tests/Packages.h"
 
+#include <initializer_list>
 #include <string>
 
 namespace kvSubstance {
@@ -14,25 +15,29 @@ inline std::string inputTag(const std::string& identifier, int type, const std::
            "' type='" + std::to_string(type) + "' default='" + defaultValue + "' ";
 }
 
-inline std::string outputTag(unsigned int uid, const std::string& identifier, int format = 0) {
-    return "<output uid='" + std::to_string(uid) + "' identifier='" + identifier + "' format='" +
-           std::to_string(format) + "' mipmaps='1'/>";
+inline std::string outputTag(unsigned int uid, const std::string& identifier) {
+    return "<output uid='" + std::to_string(uid) + "' identifier='" + identifier + "' mipmaps='1'/>";
 }
 
 // A package of one graph, with the "output" and "input" elements given.
 inline kv::vector<char> packageOf(const std::string& tag, const std::string& outputs,
                                   const std::string& inputs) {
-    const std::string bytes = packages::bytes(
-        "<sbsdescription asmuid='" + std::to_string(packages::freshUids(1)) +
-            "'><graphs count='1'><graph pkgurl='pkg:/" + tag + "' label='" + tag + "'><outputs>" + outputs +
-            "</outputs><inputs>" + inputs + "</inputs></graph></graphs></sbsdescription>",
-        tag);
-    return kv::vector<char>(bytes.begin(), bytes.end());
+    const std::string description =
+        packages::descriptionOf(std::to_string(packages::freshUids(1)), "pkg:/" + tag,
+                                "<outputs>" + outputs + "</outputs><inputs>" + inputs + "</inputs>");
+    return hosting::content(packages::bytes(description, tag));
 }
 
 // A bottom of one output without inputs.
 inline kv::vector<char> plainPackage() {
     return packageOf("bottom", outputTag(packages::freshUids(1), "x"), "");
+}
+
+// A material whose outputs have these identifiers, in the order of their uids.
+inline kv::Reference<Substance> materialWith(std::initializer_list<const char*> identifiers) {
+    std::string outputs;
+    for (const char* const identifier : identifiers) outputs += outputTag(packages::freshUids(1), identifier);
+    return createSubstance(plainPackage(), packageOf("top", outputs, ""));
 }
 
 } // namespace kvSubstance

@@ -1,12 +1,11 @@
 // Each clause is broken on purpose, and caught.
 #include "conformance/Conformance.h"
+#include "tests/ReadFile.h"
 
 #include <gtest/gtest.h>
 
 #include <cstring>
-#include <fstream>
 #include <functional>
-#include <iterator>
 #include <map>
 #include <set>
 #include <thread>
@@ -193,7 +192,7 @@ const Mutation mutations[] = {
      {returnIf<0, LINKER(contextSetCallback)>([](auto, auto, auto callback) { return !callback; })}},
     {"description-matches", {afterSuccess<ENGINE(getInputDesc)>([](auto, auto, auto desc) { ++desc->uid; })}},
     {"bare-assembly", {returnIf<1, LINKER(push)>([](auto, auto data, auto size) {
-         return size > 0 && *static_cast<const char*>(data) == 'o';
+         return size > 1 && static_cast<const char*>(data)[1] == 's'; // packages begin with "<?xml"
      })}},
     {"push-copies", {before<LINKER(push)>(borrow), returnIf<1, LINKER(link)>(hasChanged)}},
     {"failed-push", {alwaysSucceed<LINKER(link)>()}},
@@ -337,14 +336,10 @@ const Mutation mutations[] = {
     {"free-anywhere", {rememberThread, complainIf<ENGINE(memoryFree)>(isForeignThread)}},
 };
 
-std::string contentOf(const std::string& name) {
-    std::ifstream file(KVSUBSTANCE_OWN_ENGINE "/" + name, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
-
 class Mutations : public testing::Test {
 protected:
-    const Packages packages{contentOf("stripes.xml"), contentOf("varnish.xml")};
+    const Packages packages{readFile(KVSUBSTANCE_OWN_ENGINE "/stripes.xml"),
+                            readFile(KVSUBSTANCE_OWN_ENGINE "/varnish.xml")};
 };
 
 TEST_F(Mutations, AreCaught) {

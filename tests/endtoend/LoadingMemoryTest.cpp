@@ -38,65 +38,54 @@ kv::vector<char> package(const std::string& graphs) {
     return {bytes.begin(), bytes.end()};
 }
 
-const std::string output = "<output uid='1' identifier='o'/>";
-const std::string input = "<input uid='#' type='0' identifier='i#'";
-const std::string imageInput = "<input uid='900000' type='5' identifier='o' alteroutputs='";
+// A graph of one output with these inputs.
+std::string withInputs(const std::string& inputs, const std::string& rest = "") {
+    return graph("<output uid='1' identifier='o'/>", inputs, rest);
+}
 
 // A graph whose outputs all depend on its image.
 std::string manyOutputs(int count) {
-    std::string uids = repeated(count, "#,");
-    uids.pop_back();
-    return graph(repeated(count, "<output uid='#'/>"), imageInput + uids + "'/>");
+    return graph(repeated(count, "<output uid='#'/>"),
+                 "<input uid='900000' type='5' identifier='o' alteroutputs='" + repeated(count, "#,") +
+                     "'/>");
 }
 
-struct Bomb {
+const std::string input = "<input uid='#' type='0' identifier='i#'";
+const std::string preset = "<sbspreset><presetinput uid='1' type='0' value='1'/></sbspreset>";
+const std::string dependencies = withInputs(repeated(3000, input + " alteroutputs='1'/>"));
+
+const struct {
     const char* name;
-    std::string bottom, top; // graphs
+    std::string bottom; // graphs
+    int topOutputs = 1;
+} bombs[] = {
+    {"small elements", withInputs(repeated(300000, "<a/>"))},
+    {"small attributes", withInputs(repeated(300, "<input" + repeated(1000, " a#=''") + "/>"))},
+    {"nesting", withInputs(repeated(1000, repeated(250, "<a>") + repeated(250, "</a>")))},
+    {"text", withInputs("<a>" + repeated(200000, "&lt;x") + "</a>")},
+    {"inputs", withInputs(repeated(20000, "<input uid='#' type='3'/>"))},
+    {"one name", withInputs(repeated(20000, "<input uid='#' type='0' identifier='i'/>"))},
+    {"outputs", graph(repeated(40000, "<output/>"), "")},
+    {"counts", repeated(20000, "<graph><outputs count='99999999'><output/></outputs>"
+                               "<inputs count='99999999'/></graph>")},
+    {"altered outputs",
+     withInputs("<input uid='1' type='0' alteroutputs='" + repeated(300000, "1,") + "'/>")},
+    {"presets", withInputs(input + "/>", "<sbspresets>" + repeated(10000, preset) + "</sbspresets>")},
+    {"combo items",
+     withInputs(
+         repeated(500, "<input uid='#' type='4' identifier='i#'><inputgui widget='combobox'><guicombobox>"
+                       "<guicomboboxitem value='2147483647' text='x'/><guicomboboxitem value='31' text='x'/>"
+                       "</guicombobox></inputgui></input>"))},
+    {"long GUI",
+     withInputs(repeated(5000, input + "><inputgui label='" + std::string(200, 'x') + "'/></input>"))},
+    {"dependencies", dependencies, 3000},
 };
-
-std::vector<Bomb> bombs() {
-    const std::string plain = graph(output, imageInput + "1'/>");
-    return {
-        {"small elements", graph(output, repeated(300000, "<a/>")), plain},
-        {"small attributes", graph(output, repeated(300, "<input" + repeated(1000, " a#=''") + "/>")), plain},
-        {"nesting", graph(output, repeated(1000, repeated(250, "<a>") + repeated(250, "</a>"))), plain},
-        {"text", graph(output, "<a>" + repeated(200000, "&lt;x") + "</a>"), plain},
-        {"inputs", graph(output, repeated(20000, "<input uid='#' type='3'/>")), plain},
-        {"one name", graph(output, repeated(20000, "<input uid='#' type='0' identifier='i'/>")), plain},
-        {"outputs", graph(repeated(40000, "<output/>"), ""), plain},
-        {"counts",
-         repeated(20000,
-                  "<graph><outputs count='99999999'><output/></outputs><inputs count='99999999'/></graph>"),
-         plain},
-        {"altered outputs",
-         graph(output, "<input uid='1' type='0' alteroutputs='" + repeated(300000, "1,") + "'/>"), plain},
-        {"presets",
-         graph(output, input + "/>",
-               "<sbspresets>" +
-                   repeated(10000, "<sbspreset><presetinput uid='1' type='0' value='1'/></sbspreset>") +
-                   "</sbspresets>"),
-         plain},
-        {"combo items",
-         graph(output,
-               repeated(500,
-                        "<input uid='#' type='4' identifier='i#'><inputgui widget='combobox'><guicombobox>"
-                        "<guicomboboxitem value='2147483647' text='x'/><guicomboboxitem value='31' text='x'/>"
-                        "</guicombobox></inputgui></input>")),
-         plain},
-        {"long GUI",
-         graph(output, repeated(5000, "<input uid='#' type='0' identifier='i#'><inputgui label='" +
-                                          std::string(200, 'x') + "'/></input>")),
-         plain},
-        {"dependencies", graph(output, repeated(3000, input + " alteroutputs='1'/>")), manyOutputs(3000)},
-    };
-}
 
 TEST(LoadingMemory, IsBoundedByTheSizeOfThePackages) {
     constexpr size_t perByte = 100;
     constexpr size_t constant = 8 << 20;
-    for (const Bomb& bomb : bombs()) {
-        const kv::vector<char> bottom = package(bomb.bottom);
-        const kv::vector<char> top = package(bomb.top);
+    for (const auto& bomb : bombs) {
+        const kv::vector<char> bottom = package(bomb.bottom), top = package(manyOutputs(bomb.topOutputs));
         const size_t size = bottom.size() + top.size();
         allocations::startPeak();
         kvSubstance::createSubstance(bottom, top);
@@ -109,9 +98,8 @@ TEST(LoadingMemory, IsBoundedByTheSizeOfThePackages) {
 // Each input acts on each output: once fewer than four million times, counted from both sides, and once more.
 TEST(LoadingMemory, StacksOfTooManyDependenciesAreRefused) {
     for (const int numOutputs : {600, 700}) {
-        const auto material = kvSubstance::createSubstance(
-            package(graph(output, repeated(3000, input + " alteroutputs='1'/>"))),
-            package(manyOutputs(numOutputs)));
+        const auto material =
+            kvSubstance::createSubstance(package(dependencies), package(manyOutputs(numOutputs)));
         EXPECT_EQ(bool(material), numOutputs == 600);
     }
 }

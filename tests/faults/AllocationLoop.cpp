@@ -1,6 +1,5 @@
 #include "tests/faults/AllocationLoop.h"
 
-#include "support/GuardedXml.h"
 #include "tests/FailingAllocations.h"
 
 #include <gtest/gtest.h>
@@ -9,66 +8,8 @@
 #include <limits>
 #include <new>
 
-namespace {
-
-long lostByXml = 0; // blocks
-
 // TinyXML 2.6.2 lets go of what it is reading when memory runs out: it holds that by a plain pointer until it
-// is read whole. What is left behind a parse, which owns whatever it has read, was lost there.
-template <class Parse>
-auto countLost(const Parse& parse) {
-    const long before = allocations::alive();
-    try {
-        return parse();
-    } catch (const std::bad_alloc&) {
-        lostByXml += allocations::alive() - before;
-        throw;
-    }
-}
-
-} // namespace
-
-// The linker puts these in the place of the library's (CMakeLists.txt).
-#define KV_REAL(SYMBOL) __asm__("__real_" SYMBOL)
-#define KV_WRAP(SYMBOL) __asm__("__wrap_" SYMBOL)
-#define KV_PARSE_TEXT "_ZN7support16parseXmlDocumentEPKc13TiXmlEncoding"
-#define KV_PARSE_GUARDED "_ZN7support16parseXmlDocumentERKNS_11GuardedTextE13TiXmlEncoding"
-#define KV_PARSE_ELEMENT "_ZN7support15parseXmlElementEPKcR12TiXmlElement"
-
-namespace wrapped {
-
-using Document = std::unique_ptr<TiXmlDocument>;
-using support::GuardedText;
-
-Document realText(const char* text, TiXmlEncoding encoding) KV_REAL(KV_PARSE_TEXT);
-Document parseText(const char* text, TiXmlEncoding encoding) KV_WRAP(KV_PARSE_TEXT);
-Document realGuarded(const GuardedText& text, TiXmlEncoding encoding) KV_REAL(KV_PARSE_GUARDED);
-Document parseGuarded(const GuardedText& text, TiXmlEncoding encoding) KV_WRAP(KV_PARSE_GUARDED);
-bool realElement(const char* text, TiXmlElement& element) KV_REAL(KV_PARSE_ELEMENT);
-bool parseElement(const char* text, TiXmlElement& element) KV_WRAP(KV_PARSE_ELEMENT);
-
-Document parseText(const char* text, TiXmlEncoding encoding) {
-    return countLost([&] { return realText(text, encoding); });
-}
-
-Document parseGuarded(const GuardedText& text, TiXmlEncoding encoding) {
-    return countLost([&] { return realGuarded(text, encoding); });
-}
-
-bool parseElement(const char* text, TiXmlElement& element) {
-    return countLost([&] {
-        try {
-            return realElement(text, element);
-        } catch (const std::bad_alloc&) {
-            element = TiXmlElement(""); // what it has read is not lost
-            throw;
-        }
-    });
-}
-
-} // namespace wrapped
-
-// For the leak sanitizer, by the name that it asks for.
+// is read whole. For the leak sanitizer, by the name that it asks for.
 extern "C" __attribute__((visibility("default"))) const char*
 __lsan_default_suppressions() { // NOLINT(bugprone-reserved-identifier)
     return "leak:TiXmlNode::Identify\nleak:TiXmlElement::ReadValue\nleak:TiXmlElement::Parse\n";
@@ -100,13 +41,12 @@ struct Trial {
     std::string before, after, next, probed;
     bool hasThrown = false;
     long failed = 0;
-    long growth = 0; // blocks that are left, but for TinyXML's
+    long growth = 0; // blocks that are left
 };
 
 // What has failed, to judge by what is expected, is done again.
 Trial attempt(const Operation& operation, long number, Failing how, const Trial* expected) {
     Trial trial;
-    lostByXml = 0;
     const long alive = allocations::alive();
     {
         const Scene scene = operation.prepare();
@@ -123,7 +63,7 @@ Trial attempt(const Operation& operation, long number, Failing how, const Trial*
         trial.next = look(scene);
         trial.probed = scene.probe(); // a text that is left, each time
     }
-    trial.growth = allocations::alive() - alive - lostByXml;
+    trial.growth = allocations::alive() - alive;
     return trial;
 }
 

@@ -3,17 +3,17 @@
 #pragma once
 
 #include <functional>
+#include <memory>
 #include <ostream>
 #include <string>
-#include <vector>
 
 namespace faults {
 
 // The objects of one trial, which live in the functions.
 struct Scene {
-    std::function<void()> act;         // the operation; allocations fail in it alone
-    std::function<std::string()> look; // its result and the objects as they are, as text
-    std::function<std::string()> probe = [] { return std::string(); }; // what they do next, once
+    std::function<void()> act;          // the operation; allocations fail in it alone
+    std::function<std::string()> look;  // its result and the objects as they are, as text
+    std::function<std::string()> probe; // what they do next, once
 };
 
 // What a failure may come to; an exception is std::bad_alloc, and silence is what look tells without one.
@@ -26,18 +26,40 @@ enum class Promise {
 struct Operation {
     const char* name;
     std::function<Scene()> prepare;
-    Promise promise = Promise::Strong;
-    bool counts = true; // false when the process keeps more or less from trial to trial, as caches do
+    Promise promise;
+    bool counts;
 };
-
-inline void PrintTo(const Operation& operation, std::ostream* stream) {
-    *stream << operation.name;
-}
 
 // Every allocation of the operation fails once, alone and then with all behind it; in each trial the
 // operation succeeds or fails as promised, the same call works afterwards, and nothing leaks but what TinyXML
-// loses. The exemption is for allocations of the test's own
+// loses, which the leak sanitizer is told to let pass. The exemption is for allocations of the test's own
 // (FailingAllocations.h).
 void failEveryAllocation(const Operation& operation, bool (*isExempt)());
+
+// An operation on a world of objects, which is made anew for each trial.
+template <class World>
+struct Row {
+    const char* name;
+    void (*prepare)(World&);
+    void (*act)(World&);
+    Promise promise = Promise::Strong;
+    bool counts = true; // blocks that are left; not where caches keep some, or TinyXML loses some
+};
+
+template <class World>
+void PrintTo(const Row<World>& row, std::ostream* stream) {
+    *stream << row.name;
+}
+
+template <class World>
+void failEveryAllocation(const Row<World>& row, bool (*isExempt)()) {
+    const auto prepare = [&row] {
+        const auto world = std::make_shared<World>();
+        row.prepare(*world);
+        return Scene{[&row, world] { row.act(*world); }, [world] { return world->look(); },
+                     [world] { return world->probe(); }};
+    };
+    failEveryAllocation(Operation{row.name, prepare, row.promise, row.counts}, isExempt);
+}
 
 } // namespace faults

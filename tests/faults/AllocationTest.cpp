@@ -286,7 +286,15 @@ const faults::Row<World> rows[] = {
     {"readContent", nothing, [](World& w) { readSubstanceContent(samplePath, w.content); }},
 
     // Packages and the framework
-    {"packageDesc", nothing, [](World& w) { w.load(true); }, Promise::Strong, false},
+    {"packageDesc",
+     [](World& w) {
+         static std::string tag; // a larger assembly each time: it needs more room than the one before
+         w.topContent = hosting::content(recording::packageBytes(description(true), tag += wide));
+     },
+     [](World& w) {
+         w.top = std::make_unique<PackageDesc>(w.topContent.data(), w.topContent.size(), nullptr);
+     },
+     Promise::Strong, false},
     {"packageStackDesc", [](World& w) { w.loadBoth(); }, [](World& w) { w.stackThem(); }},
     {"instantiateGraphs", [](World& w) { w.loadBoth(); }, [](World& w) { w.instantiate(); }, Promise::Basic},
     {"presetsDocument", nothing,

@@ -3,10 +3,8 @@
 //
 //     replay FOLDER...
 #include "fuzzers/Fuzzing.h"
+#include "tests/ReadFile.h"
 
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <memory>
 #include <set>
 
@@ -16,9 +14,7 @@ namespace fs = std::filesystem;
 
 // In a block of exactly its size, so that sanitizers see who reads on.
 void run(const fs::path& path) {
-    std::ifstream file(path, std::ios::binary);
-    const std::vector<char> content((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
-    fuzzing::require(!file.bad(), "the input can be read");
+    const std::string content = readFile(path);
     const std::unique_ptr<std::uint8_t[]> bytes(new std::uint8_t[content.size()]);
     std::copy(content.begin(), content.end(), bytes.get());
     LLVMFuzzerTestOneInput(bytes.get(), content.size());

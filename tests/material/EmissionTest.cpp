@@ -50,8 +50,10 @@ TEST(Emission, LetsGoOfTheConnectionWhenACallbackThrows) {
     Listener thrower;
     thrower.act = [] { throw std::runtime_error("callback"); };
     thrower.listenTo(*input);
-    for (int times = 0; times <= SubstanceEntity::MaxNestedEmissions; ++times)
-        EXPECT_THROW(input->onModified(), std::runtime_error);
+    for (int value = 1; value <= 1 + SubstanceEntity::MaxNestedEmissions; ++value) {
+        EXPECT_THROW(input->setValueI(value, 0), std::runtime_error);
+        EXPECT_EQ(input->getValueI(0), value);
+    }
     // Another thread gets the connection's lock: a forgotten one would hold it for ever.
     kvRTB::SignalItem* const item = kvRTB::SignalWalk(input->getModifiedSignal()).first();
     std::thread([item] { item->lock(), item->unlock(); }).join();

@@ -89,16 +89,13 @@ TEST(StateString, AListenerMayDropTheMaterial) {
 }
 
 TEST(StateString, TheTextMayChangeWhileItIsApplied) {
-    struct Writer {
-        kvString::CString state = "pkg:/a\n17d f1 5\n33d i1 6\n";
-        kvRTB::SignalBase tracking;
-        void changed() { state = kvString::CString(); }
-    } writer;
     const auto material = allTypes();
-    material->getModifiedSignal().connect(kvRTB::FunctionVoidMember<Writer>(&writer, &Writer::changed),
-                                          writer.tracking);
-    material->applyStateString(writer.state);
-    EXPECT_TRUE(writer.state.empty());
+    kvString::CString state = "pkg:/a\n17d f1 5\n33d i1 6\n";
+    Listener writer;
+    writer.act = [&] { state = kvString::CString(); };
+    writer.listenTo(*material);
+    material->applyStateString(state);
+    EXPECT_TRUE(state.empty());
     EXPECT_EQ(material->getInput("33")->getValueI(0), 6);
 }
 

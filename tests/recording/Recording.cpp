@@ -70,13 +70,6 @@ unsigned int freshUids(unsigned int count) {
     return std::exchange(locked->nextUid, locked->nextUid + count);
 }
 
-std::string withFreshUids(std::string xml) {
-    const unsigned int first = freshUids(10);
-    for (size_t at = 0; (at = xml.find('#', at)) != std::string::npos;)
-        xml.replace(at, 2, std::to_string(first + static_cast<unsigned int>(xml[at + 1] - '0')));
-    return xml;
-}
-
 void beginTest() {
     recording::reset();
 }

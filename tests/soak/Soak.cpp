@@ -3,14 +3,15 @@
 // live as long as the process: materials that come and go share one stack.
 //
 //   soak [SECONDS [SEED]]
-#include "bridge/Bridge.h"
 #include "bridge/InputCreation.h"
-#include "embedded/compiler/Compiler.h"
 #include "framework/description/PackageDesc.h"
 #include "framework/render/GraphInstance.h"
 #include "framework/render/PackageStackDesc.h"
+#include "tests/Compiled.h"
+#include "tests/ReadFile.h"
 
 #include <algorithm>
+#include <array>
 #include <atomic>
 #include <chrono>
 #include <cstdio>
@@ -28,9 +29,10 @@
 namespace {
 
 using namespace kvSubstance;
+using hosting::Image;
+using hosting::Material;
 using SubstanceAir::PackageDesc;
 using Clock = std::chrono::steady_clock;
-using Image = kv::TempReference<ilSIDImage>;
 
 constexpr int hosts = 3;
 constexpr int intervals = 20;
@@ -41,14 +43,12 @@ std::atomic<long> operations{0};
 std::atomic<long> textures{0};
 
 // A sample, small by default.
-std::vector<char> compileSample(const std::string& name) {
-    std::ifstream file(KVSUBSTANCE_SAMPLES "/" + name + ".xml");
-    std::string source((std::istreambuf_iterator<char>(file)), {});
+PackageDesc load(const std::string& name) {
+    std::string source = readFile(KVSUBSTANCE_SAMPLES "/" + name + ".xml");
     const size_t at = source.find(R"(default="9,9")"); // the resolution
     if (at != std::string::npos) source.replace(at, 13, R"(default="5,5")");
-    const embedded::CompileResult result = embedded::compilePackage(source);
-    if (result.package.empty()) throw std::runtime_error(name + " cannot be compiled");
-    return {result.package.begin(), result.package.end()};
+    const kv::vector<char> bytes = hosting::compile(source);
+    return PackageDesc(bytes.data(), bytes.size(), nullptr);
 }
 
 // What one thread does, with materials of its own.
@@ -56,10 +56,8 @@ class Host {
 public:
     Host(const char* bottom, const char* top, unsigned int seed)
         : random(seed)
-        , bottomBytes(compileSample(bottom))
-        , bottomPackage(bottomBytes.data(), bottomBytes.size(), nullptr)
-        , topBytes(compileSample(top))
-        , topPackage(topBytes.data(), topBytes.size(), nullptr)
+        , bottomPackage(load(bottom))
+        , topPackage(load(top))
         , stack(bottomPackage.graphs().at(0), topPackage.graphs().at(0), SubstanceAir::ConnectionList())
         , lasting(createSubstance(&bottomPackage, &topPackage)) {}
 
@@ -74,57 +72,45 @@ public:
     bool isTextureRight() {
         const kvString::CString state = lasting->getStateString();
         lasting->applyStateString(state);
-        const kv::Reference<Substance> fresh = createSubstance(&bottomPackage, &topPackage);
+        const Material fresh = createSubstance(&bottomPackage, &topPackage);
         fresh->applyStateString(state);
-        return !pixels(lasting).empty() && pixels(lasting) == pixels(fresh);
+        const std::string pixels = hosting::pixels(hosting::render(lasting));
+        return !pixels.empty() && pixels == hosting::pixels(hosting::render(fresh));
     }
 
 private:
-    static std::vector<unsigned char> pixels(const kv::Reference<Substance>& material) {
-        const Image image = getTextureFromSubstance(material.get());
-        if (!image) return {};
-        return {image->getBytes(), image->getBytes() + 4L * image->getSize().x * image->getSize().y};
-    }
     int below(int bound) { return std::uniform_int_distribution<int>(0, bound - 1)(random); }
 
     void step() {
         const int kind = below(10);
         if (kind == 0) return makeAndDrop();
-        if (kind == 1) return editSystem();
+        // Only of the material that has its stack for itself: materials that share one, and part, leave their
+        // engine handle to those that stay.
+        if (kind == 1) return hosting::setValue(lasting, "$resolution", static_cast<float>(4 + below(4)));
         if (kind == 2) return lasting->applyStateString(saved);
         if (kind == 3) saved = lasting->getStateString();
         if (kind < 6) return render(lasting);
         edit(lasting);
     }
 
-    void render(const kv::Reference<Substance>& material) {
-        image = getTextureFromSubstance(material.get());
+    // Hosts that keep a material for hours take what stands behind its texture, or it waits there.
+    void render(const Material& material) {
+        image = hosting::render(material);
+        for (const auto& output : material->getGraphInstances().front()->outputs)
+            while (output->grabResult()) {
+            }
         ++textures;
     }
 
-    void edit(const kv::Reference<Substance>& material) {
-        const auto& ids = material->getInputIds();
-        SubstanceInput* const input =
-            material->getInput(ids[static_cast<unsigned>(below(static_cast<int>(ids.size())))]);
-        if (input->getIdentifier().asChar()[0] == '$') return;
-        const int component = below(input->getType() & 7);
-        if (input->getType() & 0x20)
-            input->setValueI(below(8), component);
-        else
-            input->setValueF(static_cast<float>(below(101)) / 100, component);
-        syncValueFromSubstanceInputToInputInstanceBase(material, input);
-    }
-
-    // Only of the material that has its stack for itself: materials that share one, and part, leave their
-    // engine handle to those that stay.
-    void editSystem() {
-        SubstanceInput* const size = lasting->getInput("$resolution");
-        size->setValue2I(4 + below(4), 4 + below(4));
-        syncValueFromSubstanceInputToInputInstanceBase(lasting, size);
+    void edit(const Material& material) {
+        const auto& identifiers = material->getInputIds();
+        const int chosen = below(static_cast<int>(identifiers.size()));
+        const char* const identifier = identifiers[static_cast<unsigned int>(chosen)].asChar();
+        if (*identifier != '$') hosting::setValue(material, identifier, static_cast<float>(below(200)) / 100);
     }
 
     void makeAndDrop() {
-        const kv::Reference<Substance> material(new Substance);
+        const Material material(new Substance);
         SubstanceAir::instantiateGraphs(material->getGraphInstances(), stack);
         for (const auto& input : material->getGraphInstances().front()->inputs)
             createInput(*material, *input);
@@ -134,52 +120,44 @@ private:
     }
 
     std::mt19937 random;
-    const std::vector<char> bottomBytes;
-    PackageDesc bottomPackage;
-    const std::vector<char> topBytes;
-    PackageDesc topPackage;
+    PackageDesc bottomPackage, topPackage;
     SubstanceAir::PackageStackDesc stack;
-    const kv::Reference<Substance> lasting;
+    const Material lasting;
     kvString::CString saved;
     Image image; // outlives the next edits
 };
 
-struct Usage {
-    const char* name;
-    long mostGrowth; // after the warm-up
-    long now = 0;
-    long warm = 0;
-};
+// Resident memory in KiB, threads, and handles.
+using Usage = std::array<long, 3>;
+constexpr Usage mostGrowth = {16 * 1024, 1, 0}; // after the warm-up; a render thread comes and goes
 
-void measure(Usage& resident, Usage& threads, Usage& handles) {
-    std::ifstream status("/proc/self/status");
-    for (std::string word; status >> word;) {
-        if (word == "VmRSS:") status >> resident.now;
-        if (word == "Threads:") status >> threads.now;
+Usage measure() {
+    Usage now{};
+    {
+        std::ifstream status("/proc/self/status");
+        for (std::string word; status >> word;) {
+            if (word == "VmRSS:") status >> now[0];
+            if (word == "Threads:") status >> now[1];
+        }
     }
-    status.close();
-    const std::filesystem::directory_iterator all("/proc/self/fd"), none;
-    handles.now = std::distance(all, none);
+    now[2] = std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {});
+    return now;
 }
 
 // Prints a line for each interval. False when something has grown.
 bool watch(std::chrono::milliseconds duration) {
     const Clock::time_point start = Clock::now();
-    Usage usages[] = {{"KiB", 16 * 1024}, {"threads", 1}, {"handles", 0}}; // a render thread comes and goes
+    Usage warm{};
     for (int interval = 1; interval <= intervals; ++interval) {
         std::this_thread::sleep_until(start + duration * interval / intervals);
-        measure(usages[0], usages[1], usages[2]);
-        std::printf("%3d of %d", interval, intervals);
-        bool hasGrown = false;
-        for (Usage& usage : usages) {
-            if (interval <= warmUpIntervals) usage.warm = std::max(usage.warm, usage.now);
-            const bool isTooMuch = usage.now > usage.warm + usage.mostGrowth;
-            std::printf("  %7ld %s%s", usage.now, usage.name, isTooMuch ? ", which is too much" : "");
-            hasGrown = hasGrown || isTooMuch;
-        }
-        std::printf("  %9ld operations  %7ld textures\n", operations.load(), textures.load());
+        const Usage now = measure();
+        std::printf("%3d of %d  %7ld KiB  %3ld threads  %3ld handles  %9ld operations  %7ld textures\n",
+                    interval, intervals, now[0], now[1], now[2], operations.load(), textures.load());
         std::fflush(stdout);
-        if (hasGrown) return false;
+        for (size_t k = 0; k < now.size(); ++k) {
+            if (interval <= warmUpIntervals) warm[k] = std::max(warm[k], now[k]);
+            if (now[k] > warm[k] + mostGrowth[k]) return false;
+        }
     }
     return true;
 }

@@ -1,13 +1,13 @@
 // Runs the built tool as a process, in a folder with two packages.
 #pragma once
 
+#include "tests/ReadFile.h"
+
 #include <gtest/gtest.h>
 #include <png.h>
 
+#include <algorithm>
 #include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <vector>
 
 #if !defined(_WIN32)
@@ -22,58 +22,35 @@ inline const char* const changeFolder = "cd /d \""; // to another drive, too
 inline const char* const changeFolder = "cd \"";
 #endif
 
-// A bottom with an input of each widget, and a channel that is no colour.
-inline const char* const bottomSource = R"(<package>
-  <graph url="pkg://bottom" label="Bottom">
-    <input identifier="$resolution" type="integer2" default="4,4"/>
-    <input identifier="level" label="Level" type="float" default="0.5" min="0" max="1" step="0.1"/>
-    <input identifier="tint" label="Tint" type="float3" default="#ff0000"/>
-    <input identifier="look" label="Look" type="integer" default="0">
-      <item value="0" text="Plain"/>
-      <item value="1" text="Noisy"/>
-    </input>
-    <node name="plain" kind="uniform" colour="colour" value="{tint}" encoding="srgb"/>
-    <node name="gray" kind="uniform" value="{level}"/>
-    <node name="noise" kind="fbm" seed="{look}"/>
-    <node name="mixed" kind="blend" background="plain" foreground="noise" mode="multiply" opacity="{level}"/>
-    <output identifier="basecolor" usage="diffuse" node="mixed"/>
-    <output identifier="roughness" node="gray"/>
-    <preset label="Blue" description="As the sky"><set input="tint" value="#0000ff"/></preset>
-  </graph>
-</package>)";
-
-inline const char* const topSource = R"(<package>
-  <graph url="pkg://top" label="Top">
-    <input identifier="$resolution" type="integer2" default="5,5"/>
-    <input identifier="diffuse" type="image"/>
-    <input identifier="height" type="image"/>
-    <input identifier="amount" label="Amount" type="float" default="0" min="0" max="1"/>
-    <node name="below" kind="imageInput" image="{diffuse}"/>
-    <node name="relief" kind="imageInput" image="{height}"/>
-    <node name="white" kind="uniform" colour="colour" value="1,1,1,1"/>
-    <node name="first" kind="blend" background="below" foreground="white" opacity="{amount}"/>
-    <node name="result" kind="blend" background="first" foreground="relief" opacity="0"/>
-    <output identifier="Output" format="srgb8" node="result"/>
-    <preset label="Snow"><set input="amount" value="1"/><set input="$resolution" value="3,3"/></preset>
-  </graph>
-</package>)";
-
 struct Outcome {
     int status;
     std::string out;
     std::string error;
 };
 
+inline void expectPart(const std::string& text, const std::string& part) {
+    EXPECT_NE(text.find(part), std::string::npos) << part << " in\n" << text;
+}
+
+// Status 1, and a line that has the part in it.
+inline void expectFailure(const Outcome& outcome, const std::string& part = "") {
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.out, "");
+    EXPECT_EQ(outcome.error.compare(0, 7, "error: "), 0) << outcome.error;
+    EXPECT_EQ(outcome.error.find('\n'), outcome.error.size() - 1) << outcome.error;
+    expectPart(outcome.error, part);
+}
+
+inline std::string replaced(std::string text, const std::string& from, const std::string& to) {
+    expectPart(text, from);
+    return text.replace(text.find(from), from.size(), to);
+}
+
 struct Pixels {
     unsigned int width = 0;
     unsigned int height = 0;
     std::vector<unsigned char> rgba;
 };
-
-inline std::string readFile(const fs::path& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
 
 inline Pixels readPng(const fs::path& path) {
     png_image image{};
@@ -85,7 +62,8 @@ inline Pixels readPng(const fs::path& path) {
     return pixels;
 }
 
-// Each test has a folder of its own with two packages.
+// Each test has a folder of its own with two packages: a bottom with an input of each widget and a channel
+// that is no colour, and a top.
 class Tool : public testing::Test {
 protected:
     void SetUp() override {
@@ -93,36 +71,46 @@ protected:
         folder = fs::path(testing::TempDir()) / ("kvsubstance_tool_" + name);
         fs::remove_all(folder);
         fs::create_directories(folder);
-        compilePackage("bottom", bottomSource);
-        compilePackage("top", topSource);
+        for (const std::string package : {"bottom", "top"}) compilePackage(package, given(package + ".xml"));
     }
     void TearDown() override { fs::remove_all(folder); }
 
-    void writeFile(const std::string& name, const std::string& text) const {
+    static std::string given(const std::string& name) {
+        return readFile(fs::path(KVSUBSTANCE_TOOL_TESTS) / name);
+    }
+    std::string read(const std::string& name) const { return readFile(folder / fs::u8path(name)); }
+    void write(const std::string& name, const std::string& text) const {
         std::ofstream(folder / name, std::ios::binary) << text;
     }
 
     void compilePackage(const std::string& name, const std::string& source) const {
-        writeFile(name + ".xml", source);
+        write(name + ".xml", source);
         const Outcome outcome = run("compile " + name + ".xml -o " + name + ".kvpkg");
         ASSERT_EQ(outcome.status, 0) << outcome.error;
     }
 
     // In the test's folder.
-    Outcome run(const std::string& arguments) const {
-        const std::string command = changeFolder + folder.string() + "\" && \"" KVSUBSTANCE_TOOL "\" " +
-                                    arguments + " >stdout.txt 2>stderr.txt";
-        int status = std::system(command.c_str());
+    Outcome execute(const std::string& command) const {
+        int status = std::system(
+            (changeFolder + folder.string() + "\" && " + command + " >stdout.txt 2>stderr.txt").c_str());
 #if !defined(_WIN32)
         status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 #endif
-        return {status, readFile(folder / "stdout.txt"), readFile(folder / "stderr.txt")};
+        return {status, read("stdout.txt"), read("stderr.txt")};
+    }
+    Outcome run(const std::string& arguments) const {
+        return execute("\"" KVSUBSTANCE_TOOL "\" " + arguments);
     }
 
     Pixels render(const std::string& arguments) const {
         const Outcome outcome = run("render " + arguments + " -o rendered.png");
         EXPECT_EQ(outcome.status, 0) << outcome.error;
         return readPng(folder / "rendered.png");
+    }
+
+    // A render that was interrupted leaves half a file under another name.
+    void expectNothingLeftBehind() const {
+        for (const auto& entry : fs::directory_iterator(folder)) EXPECT_NE(entry.path().extension(), ".tmp");
     }
 
     fs::path folder;

@@ -1,47 +1,25 @@
-// Runs the built tool as a process.
-
+// What the tool compiles, tells, renders and refuses.
 #include "tests/tools/ToolFixture.h"
 
 #include <nlohmann/json.hpp>
 
-#include <algorithm>
-#include <map>
-
 namespace {
 
 TEST_F(Tool, CompileReportsEveryErrorWithItsPlaceAndWritesNothing) {
-    writeFile("wrong.xml", "<package>\n  <graph url=\"pkg://w\">\n    <node name=\"a\" kind=\"unifrom\"/>\n"
-                           "    <output identifier=\"o\" node=\"b\"/>\n  </graph>\n</package>\n");
-    writeFile("old.kvpkg", "old");
+    write("wrong.xml", "<package>\n  <graph url=\"pkg://w\">\n    <node name=\"a\" kind=\"unifrom\"/>\n"
+                       "    <output identifier=\"o\" node=\"b\"/>\n  </graph>\n</package>\n");
+    write("old.kvpkg", "old");
     const Outcome outcome = run("compile wrong.xml -o old.kvpkg");
     EXPECT_EQ(outcome.status, 1);
-    EXPECT_NE(outcome.error.find("wrong.xml:3:"), std::string::npos) << outcome.error;
-    EXPECT_NE(outcome.error.find("wrong.xml:4:"), std::string::npos) << outcome.error;
-    EXPECT_EQ(readFile(folder / "old.kvpkg"), "old");
+    expectPart(outcome.error, "wrong.xml:3:");
+    expectPart(outcome.error, "wrong.xml:4:");
+    EXPECT_EQ(read("old.kvpkg"), "old");
 }
 
 TEST_F(Tool, InfoTellsAllThatAPackageDescribes) {
-    const Outcome outcome = run("info bottom.kvpkg --json");
-    ASSERT_EQ(outcome.status, 0) << outcome.error;
-    const auto graph = nlohmann::json::parse(outcome.out)["graphs"][0];
-    std::string printed;
-    for (const auto& input : graph["inputs"])
-        printed += input["identifier"].get<std::string>() + " " + input["type"].get<std::string>() + " " +
-                   input["widget"].get<std::string>() + " " + input["default"].dump() + input["min"].dump() +
-                   input["max"].dump() + input["step"].dump() + input["alters"].dump() + "\n";
-    EXPECT_EQ(printed, "$resolution integer2  [4,4][][][][\"basecolor\",\"roughness\"]\n"
-                       "level float slider [0.5][0.0][1.0][0.1][\"basecolor\",\"roughness\"]\n"
-                       "look integer combobox [0][0][1][][\"basecolor\"]\n"
-                       "tint float3 color [1.0,0.0,0.0][0.0,0.0,0.0][1.0,1.0,1.0][][\"basecolor\"]\n");
-    EXPECT_EQ(graph["inputs"][2]["comboItems"][1], nlohmann::json::parse(R"({"value":1,"text":"Noisy"})"));
-    EXPECT_EQ(graph["outputs"][0]["format"], "srgb8");
-    EXPECT_EQ(graph["outputs"][1]["usage"], "roughness");
-    EXPECT_EQ(graph["presets"][0]["values"]["tint"], "0,0,1");
-
-    const std::string text = run("info bottom.kvpkg").out;
-    for (const char* const part :
-         {"\"Bottom\"", "0 to 1 by 0.1", "1 Noisy", "srgb8", "\"Blue\"", "tint = 0,0,1"})
-        EXPECT_NE(text.find(part), std::string::npos) << part << " in\n" << text;
+    EXPECT_EQ(run("info bottom.kvpkg").out, given("bottom.info.txt"));
+    EXPECT_EQ(nlohmann::json::parse(run("info bottom.kvpkg --json").out),
+              nlohmann::json::parse(given("bottom.info.json")));
 }
 
 TEST_F(Tool, RendersOnePackageOrTwo) {
@@ -58,9 +36,16 @@ TEST_F(Tool, RendersOnePackageOrTwo) {
     const Pixels wide = render("bottom.kvpkg top.kvpkg --size 64x8");
     EXPECT_EQ(wide.width, 64u);
     EXPECT_EQ(wide.height, 8u);
+    // The top's system input is the bottom's too.
+    const Pixels snow = render("bottom.kvpkg top.kvpkg --preset top:Snow");
+    EXPECT_EQ(snow.width, 8u);
+    EXPECT_EQ(snow.rgba, std::vector<unsigned char>(8 * 8 * 4, 255));
 
-    EXPECT_EQ(render("bottom.kvpkg --set look=noisy").rgba, render("bottom.kvpkg --set look=1").rgba);
-    EXPECT_EQ(render("bottom.kvpkg --set tint=#00ff00").rgba, render("bottom.kvpkg --set tint=0,1,0").rgba);
+    for (const auto& [one, other] :
+         {std::pair{"bottom.kvpkg --set look=noisy", "bottom.kvpkg --set look=1"},
+          {"bottom.kvpkg --set tint=#00ff00", "bottom.kvpkg --set tint=0,1,0"},
+          {"bottom.kvpkg top.kvpkg --preset Blue", "bottom.kvpkg top.kvpkg --set tint=0,0,1"}})
+        EXPECT_EQ(render(one).rgba, render(other).rgba) << one;
     EXPECT_EQ(run("render bottom.kvpkg top.kvpkg -o rendered.png --explain").out,
               R"(1 connection from bottom.kvpkg to top.kvpkg
   output     usage    feeds input  connected by
@@ -71,36 +56,36 @@ TEST_F(Tool, RendersOnePackageOrTwo) {
 
     // A measure is shown as it is, and another usage does not stand in for it.
     EXPECT_EQ(render("bottom.kvpkg --channel roughness --set level=0.2").rgba[0], 51);
-    EXPECT_EQ(run("render bottom.kvpkg --channel glossiness -o none.png").status, 1);
+    expectFailure(run("render bottom.kvpkg --channel glossiness -o none.png"));
 }
 
 TEST_F(Tool, FailedRenderSaysWhyKeepsTheOldPictureAndLeavesNothingBehind) {
-    writeFile("rendered.png", "old");
-    writeFile("noise.kvpkg", "no package");
-    compilePackage("other", R"(<package><graph url="pkg://other"><node name="n" kind="uniform"/>
-                               <output identifier="Outptu" node="n"/></graph></package>)");
+    write("rendered.png", "old");
+    write("noise.kvpkg", "no package");
+    compilePackage("other", replaced(given("top.xml"), "\"Output\"", "\"Outptu\""));
     fs::create_directory(folder / "folder.png");
-    const std::map<std::string, std::string> partsOfMessages{
-        {"noise.kvpkg -o rendered.png", "noise.kvpkg: not a package"},
-        {"bottom.xml -o rendered.png", "kvsubstance compile"},
-        {"missing.kvpkg -o rendered.png", "missing.kvpkg: cannot be read"},
-        {"bottom.kvpkg other.kvpkg -o rendered.png", "\"Outptu\""},
+    const std::pair<const char*, const char*> partsOfMessages[] = {
+        {"noise.kvpkg", "noise.kvpkg: not a package"},
+        {"bottom.xml", "kvsubstance compile"},
+        {"missing.kvpkg", "missing.kvpkg: cannot be read"},
+        {"bottom.kvpkg other.kvpkg", "\"Outptu\""},
         {"bottom.kvpkg -o folder.png", "folder"},
         {"bottom.kvpkg -o nowhere/rendered.png", "nowhere"},
-        {"bottom.kvpkg -o rendered.png --set levle=1", "\"level\""},
-        {"bottom.kvpkg -o rendered.png --set level=high", "expected a number"},
-        {"bottom.kvpkg -o rendered.png --set level=2", "up to 1"},
-        {"bottom.kvpkg -o rendered.png --set tint=1,2", "3 numbers"},
-        {"bottom.kvpkg -o rendered.png --set look=Noisi", "1 \"Noisy\""},
-        {"bottom.kvpkg -o rendered.png --set look=0.5", "whole number"},
-        {"bottom.kvpkg -o rendered.png --preset Bleu", "\"Blue\""}};
+        {"bottom.kvpkg --set levle=1", "\"level\""},
+        {"bottom.kvpkg --set level=high", "expected a number"},
+        {"bottom.kvpkg --set level=2", "up to 1"},
+        {"bottom.kvpkg --set tint=1,2", "3 numbers"},
+        {"bottom.kvpkg --set look=Noisi", "1 \"Noisy\""},
+        {"bottom.kvpkg --set look=0.5", "whole number"},
+        {"bottom.kvpkg --preset Bleu", "\"Blue\""}};
     for (const auto& [arguments, message] : partsOfMessages) {
-        const Outcome outcome = run("render " + arguments);
-        EXPECT_EQ(outcome.status, 1) << arguments;
-        EXPECT_NE(outcome.error.find(message), std::string::npos) << outcome.error;
-        EXPECT_EQ(readFile(folder / "rendered.png"), "old") << arguments;
+        SCOPED_TRACE(arguments);
+        const bool isElsewhere = std::string(arguments).find("-o") != std::string::npos;
+        expectFailure(run(std::string("render ") + arguments + (isElsewhere ? "" : " -o rendered.png")),
+                      message);
+        EXPECT_EQ(read("rendered.png"), "old");
     }
-    for (const auto& entry : fs::directory_iterator(folder)) EXPECT_NE(entry.path().extension(), ".tmp");
+    expectNothingLeftBehind();
 }
 
 TEST_F(Tool, BadUsageHasAStatusOfItsOwn) {
@@ -122,20 +107,7 @@ TEST_F(Tool, SavedStateGivesTheSamePixelsInAFreshProcess) {
     const Pixels restored = render("bottom.kvpkg top.kvpkg --state state.txt");
     EXPECT_EQ(restored.width, 32u);
     EXPECT_EQ(restored.rgba, saved.rgba);
-    EXPECT_NE(render("bottom.kvpkg top.kvpkg").rgba, saved.rgba);
-
-    const Outcome foreign = run("render bottom.kvpkg --state state.txt -o a.png");
-    EXPECT_EQ(foreign.status, 1);
-    EXPECT_NE(foreign.error.find("state.txt:1:"), std::string::npos) << foreign.error;
-}
-
-TEST_F(Tool, PresetsOfBothPackages) {
-    EXPECT_EQ(render("bottom.kvpkg top.kvpkg --preset Blue").rgba,
-              render("bottom.kvpkg top.kvpkg --set tint=0,0,1").rgba);
-    // The top's system input is the bottom's too.
-    const Pixels snow = render("bottom.kvpkg top.kvpkg --preset top:Snow");
-    EXPECT_EQ(snow.width, 8u);
-    EXPECT_EQ(snow.rgba, std::vector<unsigned char>(8 * 8 * 4, 255));
+    expectFailure(run("render bottom.kvpkg --state state.txt -o a.png"), "state.txt:1:"); // another's
 }
 
 TEST_F(Tool, SweepRendersAGridWithASheet) {
@@ -144,34 +116,25 @@ TEST_F(Tool, SweepRendersAGridWithASheet) {
     ASSERT_EQ(outcome.status, 0) << outcome.error;
     EXPECT_EQ(readPng(folder / "out/sweep/3_level=1_look=0.png").rgba,
               render("bottom.kvpkg --set level=1 --set look=0").rgba);
-    EXPECT_NE(outcome.out.find("4/4 "), std::string::npos) << outcome.out;
+    expectPart(outcome.out, "4/4 ");
     const Pixels sheet = readPng(folder / "sheet.png");
     EXPECT_GT(sheet.width, 2 * 256u);
     EXPECT_LT(sheet.width, 3 * 256u);
 
     EXPECT_EQ(run("sheet rendered.png sheet.png -o both.png").status, 0);
     EXPECT_GT(readPng(folder / "both.png").width, 2 * 256u);
-    EXPECT_EQ(run("sheet bottom.kvpkg -o none.png").status, 1);
+    expectFailure(run("sheet bottom.kvpkg -o none.png"));
 }
 
 TEST_F(Tool, DescribesTheHostsModel) {
-    const auto write = [this](const std::string& name, const std::string& inputs) {
-        writeFile(name, R"(<sbsdescription content="full"><graphs count="1"><graph pkgurl="pkg:/d" label="D">
-            <outputs><output uid="1" identifier="o" format="0" width="64" height="32" mipmaps="1"/></outputs>
-            <inputs><input uid="2" identifier="i" )" +
-                            inputs + "</inputs></graph></graphs></sbsdescription>");
-    };
-    write("good.xml", R"(type="0" default="0.1" alteroutputs="1">
-        <inputgui widget="slider" label="I"><guislider min="0" max="2"/></inputgui></input>)");
-    const Outcome good = run("describe good.xml --json");
-    ASSERT_EQ(good.status, 0) << good.error;
-    const auto input = nlohmann::json::parse(good.out)["inputs"][0];
+    const std::string good = given("described.xml");
+    write("good.xml", good);
+    const Outcome outcome = run("describe good.xml --json");
+    ASSERT_EQ(outcome.status, 0) << outcome.error;
+    const auto input = nlohmann::json::parse(outcome.out)["inputs"][0];
     EXPECT_EQ(input["default"].dump() + input["max"].dump() + input["alters"].dump(), "[0.1][2.0][\"o\"]");
-
-    write("bad.xml", "/>");
-    const Outcome bad = run("describe bad.xml");
-    EXPECT_EQ(bad.status, 1);
-    EXPECT_NE(bad.error.find("input 1 needs the attribute \"type\""), std::string::npos) << bad.error;
+    write("bad.xml", replaced(good, "type=\"0\"", ""));
+    expectFailure(run("describe bad.xml"), "input 1 needs the attribute \"type\"");
 }
 
 TEST_F(Tool, InternationalFileNames) {
@@ -179,14 +142,13 @@ TEST_F(Tool, InternationalFileNames) {
     fs::copy_file(folder / "bottom.kvpkg", folder / fs::u8path(name + ".kvpkg"));
     const Outcome outcome = run("render \"" + name + ".kvpkg\" -o \"" + name + ".png\"");
     EXPECT_EQ(outcome.status, 0) << outcome.error;
-    EXPECT_TRUE(fs::exists(folder / fs::u8path(name + ".png")));
-    EXPECT_NE(run("info \"" + name + "\"").error.find(name), std::string::npos); // no such file
+    EXPECT_NE(read(name + ".png"), "");
+    expectFailure(run("info \"" + name + "\""), name); // no such file
 }
 
 #if !defined(_WIN32)
-// Each ends with status 1 and one line, and leaves what was there.
 TEST_F(Tool, FilesThatCannotBeReadOrWrittenAreFailures) {
-    writeFile("rendered.png", "old");
+    write("rendered.png", "old");
     const std::string tool = "\"" KVSUBSTANCE_TOOL "\" ";
     const std::string pipeWithoutReader = "mkfifo pipe && { (exec 4<pipe) & exec 5>pipe; wait; ";
     for (const std::string& command :
@@ -196,15 +158,11 @@ TEST_F(Tool, FilesThatCannotBeReadOrWrittenAreFailures) {
           pipeWithoutReader + tool + "nodes >&5; }",          // a broken pipe
           tool + "info pipe", "cat bottom.kvpkg | " + tool + "info -",
           "cat bottom.kvpkg | " + tool + "info /dev/stdin"}) {
-        const int status =
-            std::system(("cd \"" + folder.string() + "\"; (" + command + ") 2>stderr.txt").c_str());
-        const std::string error = readFile(folder / "stderr.txt");
-        EXPECT_EQ(WEXITSTATUS(status), 1) << command;
-        EXPECT_EQ(error.substr(0, 7), "error: ") << command << "\n" << error;
-        EXPECT_EQ(std::count(error.begin(), error.end(), '\n'), 1) << command << "\n" << error;
+        SCOPED_TRACE(command);
+        expectFailure(execute("(" + command + ")"));
     }
-    EXPECT_EQ(readFile(folder / "rendered.png"), "old");
-    for (const auto& entry : fs::directory_iterator(folder)) EXPECT_NE(entry.path().extension(), ".tmp");
+    EXPECT_EQ(read("rendered.png"), "old");
+    expectNothingLeftBehind();
 }
 #endif
 

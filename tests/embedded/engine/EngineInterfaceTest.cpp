@@ -1,7 +1,7 @@
 // What the engine owes beyond what the judge of engines asks of each.
 #include "embedded/program/Assembly.h"
 #include "platform/engine.h"
-#include "tests/embedded/engine/ProgramBuilder.h"
+#include "tests/embedded/program/SamplePrograms.h"
 
 #include <gtest/gtest.h>
 
@@ -12,25 +12,20 @@ using namespace embedded;
 
 namespace {
 
-constexpr unsigned int tintUid = 10, imageUid = 11, resolutionUid = 12;
 constexpr unsigned int tintedUid = 20, shownUid = 21, grayUid = 22;
 
 // Outputs: a tint that an input drives, the host's image, and the same tint as gray with levels.
 std::vector<unsigned char> testAssembly() {
-    ProgramBuilder builder(1, 0);
-    Program& program = builder.program;
-    program.inputs = {makeInput(tintUid, ValueType::Float3, {1, 0, 0}), makeInput(imageUid, ValueType::Image),
-                      makeInput(resolutionUid, ValueType::Integer2, {1, 0})};
-    const auto uniform = builder.node("uniform", {}, {{"colour", {1}}});
-    const auto shown = builder.node("imageInput", {}, {{"fallback", {0, 0, 1, 1}}});
+    Program program;
+    program.inputs = {makeInput(10, ValueType::Float3, {1, 0, 0}), makeInput(11, ValueType::Image),
+                      makeInput(12, ValueType::Integer2, {1, 0})};
+    program.nodes = {makeNode("uniform", {}, {{"colour", {1}}}),
+                     makeNode("imageInput", {}, {{"fallback", {0, 0, 1, 1}}})};
     parameter(program.nodes[0], "value").input = 0;
     parameter(program.nodes[1], "image").input = 1;
     for (ProgramNode& node : program.nodes) node.resolution.input = 2;
     // Of a repeated uid the first output counts.
-    program.outputs = {{tintedUid, uniform, 0, 0},
-                       {shownUid, shown, 0, 0},
-                       {grayUid, uniform, 65, 9},
-                       {tintedUid, shown, 0, 0}};
+    program.outputs = {{tintedUid, 0, 0, 0}, {shownUid, 1, 0, 0}, {grayUid, 0, 65, 9}, {tintedUid, 1, 0, 0}};
     return encodeAssembly(program);
 }
 

@@ -12,7 +12,6 @@ using namespace embedded;
 
 namespace {
 
-using Parameters = ProgramBuilder::Parameters;
 using Painting = std::function<double(int, int)>;
 
 constexpr double pi = 3.14159265358979;
@@ -22,13 +21,10 @@ constexpr int side = 128;
 Image filtered(const char* kind, const std::vector<Painting>& sources, const Parameters& parameters) {
     ProgramBuilder builder(7, 7);
     std::vector<std::int32_t> nodes;
-    for (const Painting& painting : sources) {
-        Image image(side, side, 1);
-        for (int y = 0; y < side; ++y)
-            for (int x = 0; x < side; ++x) image.row(y)[x] = static_cast<float>(painting(x, y));
-        nodes.push_back(builder.picture(image, {{"colour", {0}}}));
-    }
-    return builder.imageOf(builder.node(kind, nodes, parameters));
+    for (const Painting& painting : sources)
+        nodes.push_back(
+            builder.picture(painted(side, side, 1, [&](int x, int y, int) { return painting(x, y); })));
+    return builder.imageOf(kind, nodes, parameters);
 }
 
 // Rises towards the middle column from both sides.
@@ -63,26 +59,23 @@ TEST(HeightNodes, flowSmearKeepsItsMeasure) {
     const auto stripes = [](int, int y) { return y % 8 < 4 ? 0.25 : 0.75; };
     const auto plain = [](int, int) { return 0.5; };
     for (const double result : {0.0, 1.0, 2.0}) {
-        const Parameters parameters = {{"result", {result}}, {"length", {0.2}}};
-        const Image alongStripes = filtered("flowSmear", {stripes, roof}, parameters);
-        const Image onFlatGround = filtered("flowSmear", {stripes, plain}, parameters);
-        for (int i = 0; i < side * side; ++i) {
-            ASSERT_NEAR(alongStripes.row(0)[i], stripes(0, i / side), 1e-5) << result;
-            ASSERT_NEAR(onFlatGround.row(0)[i], stripes(0, i / side), 1e-5) << result;
+        for (const Painting& ground : {Painting(roof), Painting(plain)}) { // along stripes, and nowhere
+            const Image image =
+                filtered("flowSmear", {stripes, ground}, {{"result", {result}}, {"length", {0.2}}});
+            for (int i = 0; i < side * side; ++i)
+                ASSERT_NEAR(image.row(0)[i], stripes(0, i / side), 1e-5) << result;
         }
     }
 }
 
 // The mean around leaves of a wave what a Gaussian of a disc's width does.
 TEST(HeightNodes, curvatureComparesWithTheMean) {
+    const auto wave = [](int x, int) { return 0.4 * std::cos(2 * pi * 2 * x / side); };
     for (const double radius : {0.02, 0.04, 0.11, 0.25}) {
-        const double sigma = radius / 2;
-        const double strength = 100 * radius; // a height of 1 is the full range
-        const auto wave = [](int x, int) { return 0.4 * std::cos(2 * pi * 2 * x / side); };
-        const double kept = std::exp(-0.5 * std::pow(2 * pi * 2 * sigma, 2));
-        const auto shown = [&](double result) {
+        const double kept = std::exp(-0.5 * std::pow(2 * pi * radius, 2)); // sigma is half the radius
+        const auto shown = [&](double result) { // with a strength at which a height of 1 is the full range
             return filtered("curvature", {wave},
-                            {{"radius", {radius}}, {"strength", {strength}}, {"result", {result}}});
+                            {{"radius", {radius}}, {"strength", {100 * radius}}, {"result", {result}}});
         };
         const Image both = shown(0), edges = shown(1), cavities = shown(2);
         for (int x = 0; x < side; ++x) {
@@ -128,12 +121,11 @@ double lightAt(const Painting& height, int x, int y, double radius, double scale
 }
 
 TEST(HeightNodes, ambientOcclusionIsTheOpenSky) {
-    const auto plain = [](int, int) { return 0.75; };
     const auto trench = [](int x, int) { return x > 40 && x < 50 ? 0.0 : 1.0; };
     const auto domes = [](int x, int y) {
         return std::sqrt(std::max(0.0, 1 - std::pow(x % 32 / 14.0 - 1, 2) - std::pow(y % 64 / 30.0 - 1, 2)));
     };
-    for (const Painting& height : {Painting(plain), Painting(trench), Painting(domes)}) {
+    for (const Painting& height : {Painting(trench), Painting(domes)}) {
         for (const double radius : {0.06, 0.2}) {
             const Image image =
                 filtered("ambientOcclusion", {height}, {{"radius", {radius}}, {"heightScale", {8}}});
@@ -149,6 +141,7 @@ TEST(HeightNodes, ambientOcclusionIsTheOpenSky) {
             EXPECT_GT(darkestTop, 0.99) << radius;
         }
     }
+    const auto plain = [](int, int) { return 0.75; };
     EXPECT_EQ(filtered("ambientOcclusion", {plain}, {}).row(7)[7], 1.0f);
 }
 

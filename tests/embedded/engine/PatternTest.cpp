@@ -20,15 +20,12 @@ TEST(Pattern, bricksAreOfOneSize) {
     for (const auto& [pattern, columns, rows] :
          {std::tuple{0.0, 4.0, 8.0}, {2.0, 3.0, 5.0}, {3.0, 3.0, 5.0}}) {
         ProgramBuilder builder(8, 8);
-        ProgramBuilder::Parameters paving = {{"pattern", {pattern}},
-                                             {"columns", {columns}},
-                                             {"rows", {rows}},
-                                             {"mortar", {0.25}},
-                                             {"rounding", {0}}};
-        const Image mask = builder.imageOf(builder.node("bricks", {}, paving));
-        EXPECT_NEAR(sumOf(mask) / 65536, 0.75 * 1.75 / 2, 0.005);
+        Parameters paving = {{"pattern", {pattern}}, {"columns", {columns}}, {"rows", {rows}}};
+        paving["mortar"] = {0.25};
+        paving["rounding"] = {0};
+        EXPECT_NEAR(sumOf(builder.imageOf("bricks", {}, paving)) / 65536, 0.75 * 1.75 / 2, 0.005);
         paving["result"] = {2};
-        const Image identity = builder.imageOf(builder.node("bricks", {}, paving));
+        const Image identity = builder.imageOf("bricks", {}, paving);
         std::map<float, int> areas;
         int upright = 0; // pixels whose brick goes on above or below them
         for (int i = 0; i < 65536; ++i) {
@@ -51,25 +48,23 @@ TEST(Pattern, scatteredCopiesKeepTheirArea) {
         ProgramBuilder builder(8, 8);
         const auto white = builder.node("uniform", {}, {{"value", {1}}});
         const auto mask = builder.node("uniform", {}, {{"value", {maskValue}}});
-        ProgramBuilder::Parameters adding = {{"copies", {copies}}, {"jitter", {1}}, {"overlap", {1}}};
-        adding["repeats"] = {repeats, repeats};
-        adding["size"] = {size, size};
-        const Image image = builder.imageOf(builder.node("scatter", {white, mask}, adding));
+        Parameters adding = {{"copies", {copies}}, {"jitter", {1}}, {"overlap", {1}}};
+        adding["repeats"] = {repeats};
+        adding["size"] = {size};
+        const Image image = builder.imageOf("scatter", {white, mask}, adding);
         EXPECT_NEAR(sumOf(image) / 65536 / area, 1, 0.03) << area;
     }
 }
 
 TEST(Pattern, scatteredColoursLieOnNothing) {
     ProgramBuilder builder(6, 6);
-    const auto colour = builder.node("uniform", {}, {{"colour", {1}}, {"value", {2, 0.5, 0.25, 0.5}}});
+    const std::vector<double> colour = {2, 0.5, 0.25, 0.5};
+    const auto uniform = builder.node("uniform", {}, {{"colour", {1}}, {"value", colour}});
     for (const double overlap : {0.0, 1.0, 2.0, 3.0}) {
-        const auto scatter =
-            builder.node("scatter", {colour, -1},
-                         {{"size", {0.5, 0.5}}, {"jitter", {0}}, {"turn", {0}}, {"overlap", {overlap}}});
-        const Image image = builder.imageOf(scatter);
-        const float expected[] = {2, 0.5f, 0.25f, 0.5f};
+        const Image image = builder.imageOf(
+            "scatter", {uniform}, {{"size", {0.5}}, {"jitter", {0}}, {"turn", {0}}, {"overlap", {overlap}}});
         for (int c = 0; c < 4; ++c) {
-            EXPECT_NEAR(image.row(8, c)[8], expected[c], 1e-6) << overlap;
+            EXPECT_NEAR(image.row(8, c)[8], colour.at(std::size_t(c)), 1e-6) << overlap;
             EXPECT_EQ(image.row(16, c)[16], 0) << overlap; // between four copies
         }
     }

@@ -7,7 +7,6 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
-#include <map>
 #include <random>
 #include <string>
 #include <vector>
@@ -23,27 +22,29 @@ inline bool sameNumbers(const Image& image, const Image& expected) {
            std::memcmp(image.row(0), samples, count * sizeof(float)) == 0;
 }
 
+// A function of x, y and the channel.
+template <class Function>
+Image painted(int width, int height, int channels, const Function& function) {
+    Image image(width, height, channels);
+    for (int y = 0; y < height; ++y)
+        for (int c = 0; c < channels; ++c)
+            for (int x = 0; x < width; ++x) image.row(y, c)[x] = static_cast<float>(function(x, y, c));
+    return image;
+}
+
 class ProgramBuilder {
 public:
-    using Parameters = std::map<std::string, std::vector<double>>;
-
     ProgramBuilder(int log2Width, int log2Height) { setSize(log2Width, log2Height); }
 
     // For the nodes that come after.
-    void setSize(int log2Width, int log2Height) {
-        size_ =
-            makeValue(ValueType::Integer2, {static_cast<double>(log2Width), static_cast<double>(log2Height)});
+    void setSize(double log2Width, double log2Height) {
+        size_ = makeValue(ValueType::Integer2, {log2Width, log2Height});
     }
 
     std::int32_t node(const std::string& kind, const std::vector<std::int32_t>& sources = {},
                       const Parameters& parameters = {}) {
-        ProgramNode node = makeNode(kind, sources);
-        for (const auto& [name, numbers] : parameters) {
-            Value& constant = parameter(node, name).constant;
-            constant = makeValue(constant.type, numbers);
-        }
-        node.resolution.constant = size_;
-        program.nodes.push_back(std::move(node));
+        program.nodes.push_back(makeNode(kind, sources, parameters));
+        program.nodes.back().resolution.constant = size_;
         return static_cast<std::int32_t>(program.nodes.size()) - 1;
     }
 
@@ -69,22 +70,20 @@ public:
         return node(kind.name, sources, parameters);
     }
 
-    // An image from outside, in its own size.
-    std::int32_t picture(const Image& image, const Parameters& parameters = {}) {
-        auto copy = std::make_shared<Image>(image.width(), image.height(), image.channels());
-        std::copy_n(image.row(0), image.sampleCount(), copy->row(0));
-        images_.push_back(std::move(copy));
+    // An image from outside, in its own size. These come before all other inputs.
+    std::int32_t picture(Image image) {
+        const auto input = static_cast<std::int32_t>(program.inputs.size());
         program.inputs.push_back(makeInput(0, ValueType::Image));
-        const Value size = size_;
+        const std::int32_t shown = node("imageInput", {}, {{"colour", {image.channels() > 1 ? 1.0 : 0.0}}});
+        ProgramNode& added = program.nodes.back();
         const auto log2 = [](int side) { return std::log2(static_cast<double>(side)); };
-        size_ = makeValue(ValueType::Integer2, {log2(image.width()), log2(image.height())});
-        const std::int32_t shown = node("imageInput", {}, parameters);
-        parameter(program.nodes.back(), "image").input = static_cast<std::int32_t>(program.inputs.size()) - 1;
-        size_ = size;
+        added.resolution.constant =
+            makeValue(ValueType::Integer2, {log2(image.width()), log2(image.height())});
+        parameter(added, "image").input = input;
+        images_.push_back(std::make_shared<const Image>(std::move(image)));
         return shown;
     }
 
-    // Pictures have to come before all other inputs.
     InputValues inputValues() const {
         InputValues values = defaultValues(program);
         std::copy(images_.begin(), images_.end(), values.images.begin());
@@ -93,6 +92,12 @@ public:
 
     Image imageOf(std::int32_t node) const {
         return evaluatePlainly(program, static_cast<std::size_t>(node), inputValues());
+    }
+
+    // Of a node that is made for it.
+    Image imageOf(const std::string& kind, const std::vector<std::int32_t>& sources,
+                  const Parameters& parameters) {
+        return imageOf(node(kind, sources, parameters));
     }
 
     Program program;

@@ -3,8 +3,8 @@
 
 #include "embedded/engine/Evaluator.h"
 #include "embedded/engine/TextureEncoding.h"
+#include "tests/embedded/engine/ProgramBuilder.h"
 
-#include <cstring>
 #include <map>
 #include <vector>
 
@@ -41,16 +41,13 @@ inline Workshop plainWorkshop() {
 // The numbers of a texture in a float format, as the image they were; opaque colours without alpha.
 inline Image imageOf(const RenderedTexture& texture, int channels) {
     const TextureShape& shape = texture.shape;
-    Image image(shape.width, shape.height, channels);
-    for (int y = 0; y < shape.height; ++y)
-        for (int c = 0; c < channels; ++c)
-            for (int x = 0; x < shape.width; ++x)
-                std::memcpy(image.row(y, c) + x,
-                            texture.bytes.data() +
-                                sizeof(float) * static_cast<std::size_t>(
-                                                    shape.format.channels * (y * shape.width + x) + c),
-                            sizeof(float));
-    return image;
+    return painted(shape.width, shape.height, channels, [&](int x, int y, int c) {
+        const int place = shape.format.channels * (y * shape.width + x) + c;
+        float number = 0;
+        std::memcpy(&number, texture.bytes.data() + sizeof number * static_cast<std::size_t>(place),
+                    sizeof number);
+        return number;
+    });
 }
 
 } // namespace embedded

@@ -13,11 +13,9 @@ using namespace embedded;
 namespace {
 
 // The texture that the engine makes of an image.
-Bytes encoded(const Image& image, int format, std::uint32_t wantedLevels = 1) {
+Bytes encoded(Image image, int format, std::uint32_t wantedLevels = 1) {
     ProgramBuilder builder(0, 0);
-    const double colour = image.channels() == 1 ? 0 : 1;
-    const auto shown = builder.picture(image, {{"colour", {colour}}});
-    builder.program.outputs = {{1, shown, format, wantedLevels}};
+    builder.program.outputs = {{1, builder.picture(std::move(image)), format, wantedLevels}};
     RenderedTextures rendered;
     evaluate(builder.program, {0}, builder.inputValues(), plainWorkshop(), rendered);
     return rendered.textures.at(0).bytes;
@@ -36,19 +34,18 @@ TEST(Texture, encodesEachFormat) {
         {{0.2f, 0.4f, 0.6f, 1}, 64, {51, 51, 102, 102, 153, 153, 255, 255}},
     };
     for (const auto& [pixel, format, bytes] : cases) {
-        Image image(1, 1, static_cast<int>(pixel.size()));
-        std::copy(pixel.begin(), pixel.end(), image.row(0)); // one after the other, like channels of a row
-        EXPECT_EQ(encoded(image, format), bytes) << format;
+        const auto channel = [values = pixel](int, int, int c) { return values[std::size_t(c)]; };
+        EXPECT_EQ(encoded(painted(1, 1, 4, channel), format), bytes) << format;
     }
 }
 
 TEST(Texture, levelsAreBoxFilteredDownToOnePixel) {
-    Image image(4, 2, 1);
-    const float values[] = {0, 0.2f, 0.4f, 0.6f, 0.4f, 0.2f, 0.8f, 1.0f};
-    std::copy(std::begin(values), std::end(values), image.row(0));
+    const double values[] = {0, 0.2, 0.4, 0.6, 0.4, 0.2, 0.8, 1};
+    const auto value = [&](int x, int y, int) { return values[4 * y + x]; };
     const Bytes full = {0, 51, 102, 153, 102, 51, 204, 255, 51, 179, 115};
     for (const auto& [wanted, size] : {std::pair(0u, 8), std::pair(2u, 10), std::pair(15u, 11)})
-        EXPECT_EQ(encoded(image, 65, wanted), Bytes(full.begin(), full.begin() + size)) << wanted;
+        EXPECT_EQ(encoded(painted(4, 2, 1, value), 65, wanted), Bytes(full.begin(), full.begin() + size))
+            << wanted;
 }
 
 TEST(Texture, decodingAndEncodingGiveTheSameBytes) {
@@ -60,9 +57,9 @@ TEST(Texture, decodingAndEncodingGiveTheSameBytes) {
         for (std::size_t i = 0; i < bytes.size(); ++i)
             bytes[i] = static_cast<unsigned char>(i % channelBytes == 0 ? i / channelBytes : i / 512);
         const SubstanceTextureInput texture{bytes.data(), 256, 256, static_cast<unsigned char>(code), 0, 1};
-        const auto image = decodeTexture(&texture);
-        ASSERT_TRUE(image && *image) << code;
-        EXPECT_EQ(encoded(**image, code), bytes) << code;
+        const std::shared_ptr<const Image> image = decodeTexture(&texture).value();
+        const auto sample = [&](int x, int y, int c) { return image->row(y, c)[x]; };
+        EXPECT_EQ(encoded(painted(256, 256, image->channels(), sample), code), bytes) << code;
     }
 }
 

@@ -35,12 +35,9 @@ TEST(WorkerPool, anExceptionComesOutAfterAllBandsAndThePoolGoesOn) {
     std::atomic<int> inProgress{0};
     const auto failing = [&](int begin, int) {
         ++inProgress;
-        if (begin == 20) {
-            --inProgress;
-            throw std::runtime_error("row 20");
-        }
         std::this_thread::yield();
         --inProgress;
+        if (begin == 20) throw std::runtime_error("row 20");
     };
     for (int i = 0; i < 50; ++i) {
         EXPECT_THROW(pool.run(40, rowSamples, failing), std::runtime_error);

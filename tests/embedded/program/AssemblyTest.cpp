@@ -35,30 +35,18 @@ TEST(Package, OtherFilesAreRefused) {
     }
 }
 
-// What is accepted has to be sound.
-bool readAssembly(const Bytes& bytes) {
-    const auto program = decodeAssembly(bytes.data(), bytes.size());
-    if (!program) return false;
-    EXPECT_TRUE(verify(*program).empty());
-    return true;
-}
-
-// A file cut anywhere is refused, but for up to three last bytes, which may be padding; with any byte changed
-// it is safe to read.
+// A file cut anywhere is refused, but for up to three last bytes, which may be padding; what is accepted with
+// any byte changed is sound.
 TEST(Package, HostileBytes) {
     const Bytes bytes = encodeAssembly(sampleProgram());
     for (std::size_t size = 0; size + 3 < bytes.size(); ++size)
-        EXPECT_FALSE(readAssembly({bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(size)}))
-            << size;
-    std::size_t refused = 0;
-    for (std::size_t i = 0; i < bytes.size(); ++i) {
-        for (const unsigned char flip : {0x01, 0x10, 0x80, 0xFF}) {
-            Bytes changed = bytes;
-            changed[i] ^= flip;
-            refused += readAssembly(changed) ? 0 : 1;
-        }
+        EXPECT_FALSE(decodeAssembly(Bytes(bytes.data(), bytes.data() + size).data(), size)) << size;
+    for (std::size_t i = 0; i < 4 * bytes.size(); ++i) {
+        Bytes changed = bytes;
+        changed[i / 4] ^= "\x01\x10\x80\xFF"[i % 4];
+        const auto program = decodeAssembly(changed.data(), changed.size());
+        EXPECT_TRUE(!program || verify(*program).empty()) << i;
     }
-    EXPECT_GT(refused, bytes.size());
 }
 
 } // namespace

@@ -9,44 +9,35 @@
 
 namespace embedded {
 
-inline std::string toText(const Value& value) {
-    ClassicText text;
+inline std::ostream& operator<<(std::ostream& text, const Value& value) {
     text << static_cast<std::uint32_t>(value.type) << ":";
-    for (int i = 0; i < componentCount(value.type); ++i) {
-        const auto index = static_cast<std::size_t>(i);
-        if (i != 0) text << ",";
-        isInteger(value.type) ? text << value.integers[index] : text << value.floats[index];
+    for (std::size_t i = 0; i < static_cast<std::size_t>(componentCount(value.type)); ++i) {
+        text << (i == 0 ? "" : ",");
+        isInteger(value.type) ? text << value.integers[i] : text << value.floats[i];
     }
-    return text.str();
+    return text;
 }
 
-inline std::string toText(const Binding& binding) {
-    ClassicText text;
-    if (binding.input == Binding::constantOnly)
-        text << toText(binding.constant);
-    else
-        text << "{" << binding.input << "}";
+inline std::ostream& operator<<(std::ostream& text, const Binding& binding) {
+    if (binding.input == Binding::constantOnly) return text << binding.constant;
+    text << "{" << binding.input << "}";
     if (binding.scale != 1.0f || binding.offset != 0.0f)
         text << "*" << binding.scale << "+" << binding.offset;
-    return text.str();
-}
-
-inline std::string toText(const ProgramNode& node) {
-    const NodeKind* kind = findNodeKind(node.kind);
-    std::string text = kind ? kind->name : "?";
-    text += " [";
-    for (const std::int32_t source : node.sources) text += " " + std::to_string(source);
-    text += " ]";
-    for (const Binding& binding : node.parameters) text += " " + toText(binding);
-    return text + " resolution " + toText(node.resolution) + " seed " + toText(node.seed);
+    return text;
 }
 
 inline std::string toText(const Program& program) {
     ClassicText text;
     for (const ProgramInput& input : program.inputs)
-        text << "input " << input.uid << " role " << static_cast<int>(input.role) << " "
-             << toText(input.defaultValue) << "\n";
-    for (const ProgramNode& node : program.nodes) text << "node " << toText(node) << "\n";
+        text << "input " << input.uid << " role " << static_cast<int>(input.role) << " " << input.defaultValue
+             << "\n";
+    for (const ProgramNode& node : program.nodes) {
+        text << "node " << findNodeKind(node.kind)->name << " [";
+        for (const std::int32_t source : node.sources) text << " " << source;
+        text << " ]";
+        for (const Binding& binding : node.parameters) text << " " << binding;
+        text << " resolution " << node.resolution << " seed " << node.seed << "\n";
+    }
     for (const ProgramOutput& output : program.outputs)
         text << "output " << output.uid << " node " << output.node << " format " << output.format
              << " mipmaps " << output.mipmaps << "\n";

@@ -4,6 +4,8 @@
 #include "embedded/nodes/NodeKind.h"
 #include "embedded/program/Program.h"
 
+#include <map>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -36,8 +38,18 @@ inline Binding boundTo(std::int32_t input, float scale = 1.0f, float offset = 0.
     return {input, {}, scale, offset};
 }
 
-// All parameters have their defaults.
-inline ProgramNode makeNode(std::string_view kindName, std::vector<std::int32_t> sources = {}) {
+inline Binding& parameter(ProgramNode& node, std::string_view name) {
+    const auto& infos = findNodeKind(node.kind)->parameters;
+    std::size_t index = 0;
+    while (infos.at(index).name != name) ++index; // throws for a misspelt name
+    return node.parameters[index];
+}
+
+using Parameters = std::map<std::string, std::vector<double>>;
+
+// Parameters that are not named have their defaults.
+inline ProgramNode makeNode(std::string_view kindName, std::vector<std::int32_t> sources = {},
+                            const Parameters& parameters = {}) {
     const NodeKind& kind = *findNodeKind(kindName);
     ProgramNode node;
     node.kind = kind.code;
@@ -47,16 +59,21 @@ inline ProgramNode makeNode(std::string_view kindName, std::vector<std::int32_t>
         const auto& numbers = info.defaultValue;
         node.parameters.push_back(constantly(makeValue(info.type, {numbers.begin(), numbers.end()})));
     }
+    for (const auto& [name, numbers] : parameters) {
+        Value& constant = parameter(node, name).constant;
+        constant = makeValue(constant.type, numbers);
+    }
     node.resolution = constantly(makeValue(ValueType::Integer2, {8, 8}));
     node.seed = constantly(makeValue(ValueType::Integer));
     return node;
 }
 
-inline Binding& parameter(ProgramNode& node, std::string_view name) {
-    const auto& infos = findNodeKind(node.kind)->parameters;
-    std::size_t index = 0;
-    while (infos.at(index).name != name) ++index; // throws for a misspelt name
-    return node.parameters[index];
+// With a parameter that an input drives.
+inline ProgramNode makeBound(std::string_view kindName, std::vector<std::int32_t> sources,
+                             std::string_view name, const Binding& binding) {
+    ProgramNode node = makeNode(kindName, std::move(sources));
+    parameter(node, name) = binding;
+    return node;
 }
 
 // A picture under an image: inputs of several types, each bound.
@@ -67,14 +84,13 @@ inline Program sampleProgram() {
                       makeInput(2, ValueType::Integer, {3}, SystemInput::Seed),
                       makeInput(3, ValueType::Float, {0.25}), makeInput(4, ValueType::Image),
                       makeInput(5, ValueType::Float3, {0.5, 0.25, 1})};
-    program.nodes = {makeNode("uniform"), makeNode("imageInput"), makeNode("blend", {0, 1})};
+    program.nodes = {makeBound("uniform", {}, "value", boundTo(4)),
+                     makeBound("imageInput", {}, "image", boundTo(3)),
+                     makeBound("blend", {0, 1}, "opacity", boundTo(2, 2.0f, -0.5f))};
     for (ProgramNode& node : program.nodes) {
         node.resolution = boundTo(0);
         node.seed = boundTo(1);
     }
-    parameter(program.nodes[0], "value") = boundTo(4);
-    parameter(program.nodes[1], "image") = boundTo(3);
-    parameter(program.nodes[2], "opacity") = boundTo(2, 2.0f, -0.5f);
     program.outputs = {{11, 2, 32, 1}, {12, 0, 66, 15}};
     return program;
 }

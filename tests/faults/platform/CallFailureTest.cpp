@@ -1,15 +1,13 @@
 // Every call of linker and engine fails, once or from there on, while a host loads, renders, edits, loads
 // anew and ends: the last texture stays, no edit is lost, and what failed works the next time.
-#include "tests/faults/platform/Host.h"
+#include "tests/recording/Host.h"
 
 #include <iostream>
 #include <map>
 #include <sstream>
 #include <vector>
 
-namespace faults {
-
-using recording::Failing;
+namespace recording {
 
 namespace {
 
@@ -37,7 +35,7 @@ public:
     Session(const std::vector<std::string>& good, const Fault& fault)
         : good_(good)
         , fault_(fault) {
-        if (fault_.call > 0) recording::fail(fault_.function, fault_.call, fault_.how);
+        if (fault_.call > 0) fail(fault_.function, fault_.call, fault_.how);
     }
 
     std::vector<std::string> run() {
@@ -66,7 +64,7 @@ public:
 private:
     // Whether anything has failed since it was last asked.
     bool wasHit() {
-        const std::string trace = recording::takeTrace();
+        const std::string trace = takeTrace();
         trace_ += trace;
         return trace.find(" = 7\n") != std::string::npos;
     }
@@ -107,7 +105,7 @@ private:
         const bool isEnding = fault_.function.find("Release") != std::string::npos ||
                               fault_.function.find("Free") != std::string::npos;
         if (fault_.how == Failing::Once || isEnding) return;
-        recording::fail(fault_.function, 0);
+        fail(fault_.function, 0);
         if (isSound_) return;
         load();
         edit("amount", 2);
@@ -115,7 +113,7 @@ private:
 
     const std::vector<std::string> good_;
     const Fault fault_;
-    kv::Reference<Substance> material_;
+    Material material_;
     bool isSound_ = false; // made of the packages that were given
     std::vector<std::string> pictures_;
     std::string trace_;
@@ -123,7 +121,7 @@ private:
 
 } // namespace
 
-TEST_F(PlatformTest, EveryCallMayFailOnceOrFromThereOn) {
+TEST_F(HostTest, EveryCallMayFailOnceOrFromThereOn) {
     Session first({}, {"", 0, Failing::Once});
     const std::vector<std::string> good = first.run();
     const std::map<std::string, unsigned int> counts = countCalls(first.trace());
@@ -148,4 +146,4 @@ TEST_F(PlatformTest, EveryCallMayFailOnceOrFromThereOn) {
     std::cout << sessions / 2 << " calls failed, in " << sessions << " sessions\n";
 }
 
-} // namespace faults
+} // namespace recording

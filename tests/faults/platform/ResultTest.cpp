@@ -1,17 +1,13 @@
 // Engines that report at odd times, from odd threads, too often, or not what was asked for. What an engine
 // may not do, for nobody could tell it from a good one: hand back a job that it was not given (but null),
 // name an output of another handle, or report after its start has returned.
-#include "tests/faults/platform/Host.h"
+#include "tests/recording/Host.h"
 #include "tests/recording/RecordingState.h"
 
-#include <stdexcept>
 #include <thread>
 #include <vector>
 
-namespace faults {
-
-using recording::Start;
-using recording::Texture;
+namespace recording {
 
 namespace {
 
@@ -32,7 +28,7 @@ struct OddStart {
     unsigned int operator()(const Start& start) const {
         std::vector<std::thread> threads;
         for (const unsigned int output : outputs) {
-            const recording::Report report{output, how == ForNobody ? nullptr : start.reports.front().job};
+            const Report report{output, how == ForNobody ? nullptr : start.reports.front().job};
             if (how == Recomputed) start.handle->computed.emplace(output, "again"); // when it was fetched
             threads.emplace_back([&start, report] { start.report(report); });
             if (how != AtOnce) threads.back().join();
@@ -64,54 +60,25 @@ const OddStart oddStarts[] = {
 
 } // namespace
 
-TEST_F(PlatformTest, ReportsMayComeInAnyWayOrNotAtAll) {
+TEST_F(HostTest, ReportsMayComeInAnyWayOrNotAtAll) {
     const auto material = loadMaterial();
     int value = 1;
     std::string before = render(material);
     for (const OddStart& odd : oddStarts) {
         SCOPED_TRACE(odd.name);
         setValue(material, "scale", ++value);
-        recording::setTexture(odd.texture);
-        recording::onNextStart(odd);
+        setTexture(odd.texture);
+        onNextStart(odd);
         EXPECT_EQ(render(material), odd.outcome == Outcome::New ? pictureOf(3, value) : before);
 
-        recording::setTexture({200, 1, -1, true, {}});
+        setTexture({200, 1, -1, true, {}});
         EXPECT_EQ(render(material), odd.outcome == Outcome::KeptUntilEdited ? before : pictureOf(3, value));
         EXPECT_TRUE(isUpToDate(material));
-        EXPECT_EQ(recording::liveTextures(), 0u);
+        EXPECT_EQ(liveTextures(), 0u);
         setValue(material, "scale", ++value); // not behind one that came too often
         before = render(material);
         EXPECT_EQ(before, pictureOf(3, value));
     }
 }
 
-// A host's listener throws: that reaches whoever edits; the value is there, and nothing stays locked or
-// counted as nested.
-TEST_F(PlatformTest, ListenersMayThrow) {
-    struct Thrower {
-        void listen() {
-            ++calls;
-            if (isThrowing) throw std::runtime_error("the host's");
-        }
-        kvRTB::SignalBase receiver;
-        int calls = 0;
-        bool isThrowing = true;
-    } thrower;
-    const auto material = loadMaterial();
-    kvSubstance::SubstanceInput* const scale = material->getInput("scale");
-    scale->getModifiedSignal().connect(kvRTB::FunctionVoidMember<Thrower>(&thrower, &Thrower::listen),
-                                       thrower.receiver);
-    for (int round = 0; round < 300; ++round) { // more than emissions may be nested
-        EXPECT_THROW(scale->setValueF(2, 0), std::runtime_error);
-        EXPECT_EQ(scale->getValueF(0), 2);
-        EXPECT_THROW(material->reset(), std::runtime_error);
-        EXPECT_EQ(scale->getValueF(0), 1);
-    }
-    thrower.isThrowing = false;
-    const int calls = thrower.calls;
-    std::thread([&] { setValue(material, "scale", 9); }).join(); // no lock is left behind on this one
-    EXPECT_EQ(thrower.calls, calls + 1);
-    EXPECT_EQ(render(material), pictureOf(3, 9));
-}
-
-} // namespace faults
+} // namespace recording

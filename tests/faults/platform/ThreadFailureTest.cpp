@@ -1,7 +1,6 @@
 // There is no thread to be had, for the render thread or for those of the embedded engine.
-#include "bridge/Bridge.h"
-#include "embedded/compiler/Compiler.h"
 #include "framework/render/ProcessObjects.h"
+#include "tests/Compiled.h"
 
 #include <gtest/gtest.h>
 
@@ -20,6 +19,8 @@ std::atomic<bool> isLasting{false};
 } // namespace
 
 // Takes the place of the C library's, for the shared libraries too.
+extern "C" __attribute__((visibility("default"))) decltype(pthread_create) pthread_create;
+
 extern "C" int pthread_create(pthread_t* thread, const pthread_attr_t* attributes, void* (*function)(void*),
                               void* argument) noexcept {
     static const auto create =
@@ -33,32 +34,21 @@ namespace faults {
 
 namespace {
 
-using kvSubstance::Substance;
-
 // Large enough that the engine shares the work among threads.
-kv::vector<char> package(const std::string& url, const std::string& value) {
-    const embedded::CompileResult result =
-        embedded::compilePackage("<package><graph url=\"pkg://" + url +
-                                 R"("><input identifier="$resolution" type="integer2" default="9,10"/>
-        <input identifier=")" + url +
-                                 R"(_level" type="float" default="0" min="0" max="1"/>
-        <node name="gray" kind="uniform" value=")" +
-                                 value + R"("/><output identifier="Output" node="gray"/>
+kv::vector<char> package(const std::string& url) {
+    return hosting::compile("<package><graph url=\"pkg://" + url + R"(">
+        <input identifier="$resolution" type="integer2" default="9,10"/>
+        <input identifier=")" +
+                            url + R"(_level" type="float" default="0" min="0" max="1"/>
+        <node name="gray" kind="uniform" value="{)" +
+                            url + R"(_level}"/><output identifier="Output" node="gray"/>
         </graph></package>)");
-    for (const auto& diagnostic : result.diagnostics) ADD_FAILURE() << toString(diagnostic, url);
-    return {result.package.begin(), result.package.end()};
 }
 
 void failFrom(int number, bool lasting) {
     created = 0;
     isLasting = lasting;
     firstFailure = number;
-}
-
-void edit(const kv::Reference<Substance>& material, float level) {
-    kvSubstance::SubstanceInput* const input = material->getInput("top_level");
-    input->setValueF(level, 0);
-    kvSubstance::syncValueFromSubstanceInputToInputInstanceBase(material, input);
 }
 
 } // namespace
@@ -69,19 +59,17 @@ TEST(Threads, MayBeRefusedAtAnyTime) {
         for (int number = 1; number <= 3; ++number) {
             SCOPED_TRACE("thread " + std::to_string(number) + (lasting ? " and those behind it" : ""));
             SubstanceAir::processObjects()->renderer.reset(); // a new one, and a new engine
-            const auto material = kvSubstance::createSubstance(package("bottom", "{bottom_level}"),
-                                                               package("top", "{top_level}"));
-            kv::TempReference<ilSIDImage> image;
+            const auto material = kvSubstance::createSubstance(package("bottom"), package("top"));
+            hosting::Image image;
             for (const float level : {0.0f, 1.0f, 0.0f}) {
-                edit(material, level);
+                hosting::setValue(material, "top_level", level);
                 failFrom(number, lasting);
                 if (number == 1) { // the render thread
-                    EXPECT_THROW(kvSubstance::getTextureFromSubstance(material.get()),
-                                 boost::thread_resource_error);
+                    EXPECT_THROW(hosting::render(material), boost::thread_resource_error);
                     EXPECT_EQ(material->getCachedTexture().get(), image.get());
                     failFrom(0, false);
                 }
-                image = kvSubstance::getTextureFromSubstance(material.get());
+                image = hosting::render(material);
                 failed += created >= number && number > 1;
                 failFrom(0, false);
                 ASSERT_TRUE(image);

@@ -1,12 +1,11 @@
 // Several threads of a host at once, within the rules: a material belongs to one thread at a time, packages
 // are built one at a time, anything else goes side by side.
-#include "tests/faults/platform/Host.h"
+#include "tests/recording/Host.h"
 
 #include "framework/description/PackageDesc.h"
 #include "tests/bridge/TestPackages.h"
 
 #include <atomic>
-#include <csignal>
 #include <cstdlib>
 #include <functional>
 #include <memory>
@@ -14,7 +13,7 @@
 #include <utility>
 #include <vector>
 
-namespace faults {
+namespace recording {
 
 namespace {
 
@@ -37,7 +36,7 @@ void runTogether(const std::vector<std::function<void()>>& functions) {
 // A thread edits one material, with new state keys and through listeners, while another renders a second one,
 // a third makes, renders and destroys packages, materials and graphs, and a fourth takes results as they
 // arrive. Requests wait for each other.
-TEST_F(PlatformTest, EditingLoadingAndGrabbingGoOnDuringRenders) {
+TEST_F(HostTest, EditingLoadingAndGrabbingGoOnDuringRenders) {
     const auto edited = loadMaterial("1");
     const auto rendered = loadMaterial("2");
     SubstanceAir::OutputInstance& before = *rendered->getGraphInstances()[0]->outputs[0];
@@ -56,7 +55,7 @@ TEST_F(PlatformTest, EditingLoadingAndGrabbingGoOnDuringRenders) {
                      for (int i = 0; i < rounds; ++i) {
                          setValue(rendered, "amount", i);
                          setValue(rendered, "$seed", i % 3);
-                         kvSubstance::getTextureFromSubstance(rendered.get());
+                         hosting::render(rendered);
                      }
                      isRendering = false;
                  },
@@ -87,9 +86,9 @@ namespace {
 // A host's global objects.
 struct Globals {
     std::unique_ptr<SubstanceAir::PackageDesc> bottom, top;
-    kv::Reference<Substance> material, ofPackages;
+    Material material, ofPackages;
     kv::Reference<kvSubstance::SubstanceInput> input;
-    kv::TempReference<ilSIDImage> image;
+    Image image;
     std::unique_ptr<SubstanceAir::RenderResult> result;
 };
 
@@ -126,7 +125,7 @@ void fill(Globals& globals, const std::string& number) {
 }
 
 [[noreturn]] void useGlobalsAndExit(bool fillEarly, bool fillLate) {
-    recording::reset();
+    reset();
     if (fillEarly) fill(early, "1");
     if (fillLate) fill(late(), "2");
     std::exit(0); // where the double looks for what was not given back
@@ -140,15 +139,6 @@ TEST(ProcessDeathTest, GlobalObjectsMayDieBeforeOrAfterTheLibrary) {
         EXPECT_EXIT(useGlobalsAndExit(isEarly, isLate), testing::ExitedWithCode(0), "^$");
 }
 
-#ifndef _WIN32
-
-// As if the time were over.
-TEST(WatchdogDeathTest, NamesTheTestThatHangs) {
-    EXPECT_EXIT(std::raise(SIGALRM), testing::ExitedWithCode(1),
-                "^watchdog: WatchdogDeathTest.NamesTheTestThatHangs");
-}
-
-#endif
 #endif
 
-} // namespace faults
+} // namespace recording

@@ -61,19 +61,29 @@ TEST_F(Packages, ReadADescription) {
 }
 
 TEST_F(Packages, FormatsAndMipmapsGoByTheOptions) {
-    const auto formats = [](unsigned int mask, unsigned int mipmapMode) {
-        const OutputFormatOptions options{mask, mipmapMode};
-        std::string text;
-        const auto package = load(bricks, &options);
-        for (const GraphDesc& graph : package->graphs())
-            for (const OutputDesc& output : graph.outputs)
-                text += std::to_string(output.format) + "x" + std::to_string(output.mipmaps) + " ";
-        return text;
+    std::string outputs;
+    for (const int format : {0, 4, 8, 12, 16, 20, 24, 28, 1, 5, 9, 13, 17, 2})
+        outputs += "<output uid='" + std::to_string(outputs.size()) + "' format='" + std::to_string(format) +
+                   "' mipmaps='3'/>";
+    const struct {
+        OutputFormatOptions options;
+        std::string formats; // and the mipmaps
+    } cases[] = {
+        {{AllFormatClasses, 0}, "0 4 8 12 16 20 24 28 1 5 9 13 17 2 x3"},
+        {{0, 2}, "0 4 8 12 16 20 24 28 1 5 9 13 17 2 x1"},
+        {{1, 1}, "0 4 8 0 0 0 0 0 0 0 0 0 0 2 x0"},
+        {{2 + 8, 1}, "12 12 12 12 28 28 28 28 12 12 12 12 12 2 x0"},
+        {{16 + 32 + 64, 2}, "17 17 17 1 17 17 17 1 1 5 9 13 17 2 x1"},
     };
-    EXPECT_EQ(formats(127, 2), "0x1 0x1 28x1 12x1 9x1 ");
-    EXPECT_EQ(formats(1, 1), "0x0 0x0 0x0 0x0 0x0 ");
-    EXPECT_EQ(formats(2 + 8, 1), "12x0 12x0 28x0 12x0 12x0 ");
-    EXPECT_EQ(formats(16 + 32 + 64, 2), "17x1 17x1 1x1 1x1 9x1 ");
+    for (const auto& [options, formats] : cases) {
+        const auto package = load("<sbsdescription asmuid='1004'><graphs><graph pkgurl='a'><outputs>" +
+                                      outputs + "</outputs></graph></graphs></sbsdescription>",
+                                  &options);
+        std::string text;
+        for (const OutputDesc& output : package->graphs().at(0).outputs)
+            text += std::to_string(output.format) + " ";
+        EXPECT_EQ(text + "x" + std::to_string(package->graphs()[0].outputs[0].mipmaps), formats);
+    }
 }
 
 TEST_F(Packages, ABrokenDescriptionGivesNoGraphsAndIsNotRegistered) {

@@ -9,11 +9,6 @@ using descriptiontext::print;
 
 namespace {
 
-std::string packageXml(const std::string& asmUid, const std::string& url, const std::string& graph) {
-    return "<sbsdescription asmuid='" + asmUid + "'><graphs count='1'><graph pkgurl='" + url + "' label='" +
-           url + " label'>" + graph + "</graph></graphs></sbsdescription>";
-}
-
 // An element for each of the words "identifier/label/usage", which stand for "$1", "$2" and "$3" of the
 // content; what is missing is empty.
 std::string elements(const std::string& words, unsigned int uid, const std::string& kind,
@@ -34,12 +29,12 @@ std::string elements(const std::string& words, unsigned int uid, const std::stri
 }
 
 std::string bottomXml(const std::string& words) {
-    return packageXml("2001", "bottom",
-                      "<outputs>" +
-                          elements(words, 1, "output",
-                                   "identifier='$1'><outputgui label='$2'><channels><channel "
-                                   "names='$3'/></channels></outputgui>") +
-                          "</outputs>");
+    return packages::descriptionOf("2001", "bottom",
+                                   "<outputs>" +
+                                       elements(words, 1, "output",
+                                                "identifier='$1'><outputgui label='$2'><channels><channel "
+                                                "names='$3'/></channels></outputgui>") +
+                                       "</outputs>");
 }
 
 // A word without a label is its own.
@@ -48,7 +43,7 @@ std::string topXml(const std::string& words) {
     std::istringstream stream(words);
     for (std::string word; stream >> word;)
         labelled += word + (word.find('/') == std::string::npos ? "/" + word : "") + "/ ";
-    return packageXml(
+    return packages::descriptionOf(
         "2002", "top",
         "<outputs><output uid='900'/></outputs><inputs><input uid='100' identifier='o1' type='0'/>" +
             elements(labelled, 101, "input", "type='5' identifier='$1'><inputgui label='$2'/>$3") +
@@ -71,8 +66,8 @@ const char* const mossGraph =
 
 class Stacks : public PackageFixture {
 protected:
-    const std::unique_ptr<PackageDesc> rust = load(packageXml("3001", "rust", rustGraph));
-    const std::unique_ptr<PackageDesc> moss = load(packageXml("3002", "moss", mossGraph));
+    const std::unique_ptr<PackageDesc> rust = load(packages::descriptionOf("3001", "rust", rustGraph));
+    const std::unique_ptr<PackageDesc> moss = load(packages::descriptionOf("3002", "moss", mossGraph));
     const GraphDesc& bottom = rust->graphs()[0];
     const GraphDesc& top = moss->graphs()[0];
 };
@@ -141,7 +136,7 @@ TEST_F(Stacks, HaveUidsOfTheirOwn) {
     {
         const PackageStackDesc first(bottom, bottom, {});
         uid = first.asmUid();
-        const auto inTheWay = load(packageXml(std::to_string(uid + 1), "next", rustGraph));
+        const auto inTheWay = load(packages::descriptionOf(std::to_string(uid + 1), "next", rustGraph));
         const PackageStackDesc second(bottom, bottom, {});
         EXPECT_EQ(second.asmUid(), uid + 2);
         EXPECT_TRUE(isTaken(uid) && isTaken(uid + 2));

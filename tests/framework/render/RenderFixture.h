@@ -20,33 +20,22 @@ namespace SubstanceAir {
 
 // One graph with the outputs Output and height and the inputs picture, amount and $seed, in the order of
 // their uids; the engine has them in another order. The amount alters Output, the others both.
-class TestPackage {
-public:
-    explicit TestPackage(const std::string& tag)
-        : desc(load(tag)) {}
-
-    PackageDesc desc;
-
-private:
-    static PackageDesc load(const std::string& tag) {
-        const std::string bytes = packages::bytes(packages::withFreshUids(R"(<sbsdescription asmuid='#0'>
-            <graphs count='1'><graph pkgurl='pkg://test'><outputs count='2'>
-                <output uid='#1' identifier='Output' format='0' mipmaps='1'/>
-                <output uid='#2' identifier='height' format='32' mipmaps='0'/>
-            </outputs><inputs count='3'>
-                <input uid='#5' identifier='$seed' type='4' default='3' alteroutputs='#1,#2'/>
-                <input uid='#4' identifier='amount' type='0' default='0.5' alteroutputs='#1'/>
-                <input uid='#3' identifier='picture' type='5' alteroutputs='#1,#2'/>
-            </inputs></graph></graphs></sbsdescription>)"),
-                                                  tag);
-        return PackageDesc(bytes.data(), bytes.size(), nullptr);
-    }
-};
+inline PackageDesc testPackage(const std::string& tag) {
+    const std::string description = packages::descriptionOf("#0", "pkg://test", R"(<outputs count='2'>
+            <output uid='#1' identifier='Output' format='0' mipmaps='1'/>
+            <output uid='#2' identifier='height' format='32' mipmaps='0'/>
+        </outputs><inputs count='3'>
+            <input uid='#5' identifier='$seed' type='4' default='3' alteroutputs='#1,#2'/>
+            <input uid='#4' identifier='amount' type='0' default='0.5' alteroutputs='#1'/>
+            <input uid='#3' identifier='picture' type='5' alteroutputs='#1,#2'/></inputs>)");
+    const std::string bytes = packages::bytes(packages::withFreshUids(description), tag);
+    return PackageDesc(bytes.data(), bytes.size(), nullptr);
+}
 
 class TestGraph : public GraphInstance {
 public:
-    explicit TestGraph(const TestPackage& package)
-        : GraphInstance(package.desc.graphs().at(0)) {}
+    explicit TestGraph(const PackageDesc& package)
+        : GraphInstance(package.graphs().at(0)) {}
 
     OutputInstance& output() { return *outputs[0]; }
     OutputInstance& height() { return *outputs[1]; }
@@ -99,7 +88,7 @@ class RendererTest : public testing::Test {
 protected:
     void SetUp() override {
         {
-            const TestPackage warmup("warmup");
+            const PackageDesc warmup = testPackage("warmup");
             TestGraph first(warmup);
             render({&first});
         }
@@ -107,7 +96,7 @@ protected:
     }
     void TearDown() override { EXPECT_EQ(packages::faults(), ""); }
 
-    const TestPackage package{"p"};
+    const PackageDesc package = testPackage("p");
     TestGraph graph{package};
 };
 
