@@ -1,7 +1,5 @@
 #include "platform/base/Signals.h"
 
-#include <boost/container/small_vector.hpp>
-
 #include <algorithm>
 #include <atomic>
 #include <cstddef>
@@ -99,7 +97,7 @@ private:
     }
 
     mutable std::mutex mutex;
-    boost::container::small_vector<Pointer, 1> connections; // most signals have one
+    std::vector<Pointer> connections;
     std::atomic<size_t> size{0};
     std::atomic<Connection*> front{nullptr}; // null while a sweep is under way
     std::atomic<size_t> walks{0};
