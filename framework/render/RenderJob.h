@@ -27,8 +27,7 @@ struct RenderJob : private boost::noncopyable {
     std::uint64_t graphIdentity = 0;
     bool forced = true; // pushed even when none of its inputs changed
     bool pushed = false;
-    bool isLate =
-        false; // left behind by its own request, which failed, for one that may be of other materials
+    bool isLate = false; // its own request failed and left it to a later one
     std::vector<OutputInstance*> outputs;
     std::vector<InputValueSnapshot> inputs;
 

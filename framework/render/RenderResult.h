@@ -19,7 +19,7 @@ public:
 
     const SubstanceTexture texture;
     SubstanceContext* const context; // which allocated the buffer
-    bool isLate = false;             // of a late job
+    bool isLate = false;             // of a job that its own request left to a later one
 
 private:
     const std::shared_ptr<const void> keeper;
