@@ -1,13 +1,10 @@
 // A material's values as text: Substance::getStateString and applyStateString.
 #include "bridge/InputInstances.h"
 #include "bridge/Synchronisation.h"
+#include "material/StateLine.h"
 #include "material/Substance.h"
-#include "support/Numbers.h"
 
-#include <algorithm>
 #include <array>
-#include <charconv>
-#include <cstring>
 #include <string>
 #include <string_view>
 #include <typeinfo>
@@ -16,97 +13,13 @@ namespace kvSubstance {
 
 namespace {
 
-constexpr size_t LongestLine = 16 + 4 * (1 + support::longestFixedText); // uid, kind, line feed; the values
 constexpr size_t UsualLine = 32;
-
-// How many numbers a line gives for an input of the type.
-size_t numbersIn(Type type) {
-    const int announced = type & 7;
-    return announced >= 2 && announced <= 4 ? static_cast<size_t>(announced) : 1;
-}
-
-// What the line of an input is made of.
-struct LineContent {
-    unsigned int uid;
-    Type type;
-    SubstanceInput::IntOrFloat value;
-};
-
-template <class T>
-std::array<T, 4> slotsOf(const SubstanceInput::IntOrFloat& value) {
-    std::array<T, 4> slots;
-    static_assert(sizeof slots == sizeof value, "four slots");
-    std::memcpy(slots.data(), &value, sizeof slots);
-    return slots;
-}
-
-char* writeNumber(char* place, int number) {
-    return std::to_chars(place, place + LongestLine, number).ptr;
-}
-char* writeNumber(char* place, float number) {
-    return support::writeFixed(place, number);
-}
-
-template <class T>
-char* writeNumbers(char* place, const LineContent& content) {
-    const std::array<T, 4> slots = slotsOf<T>(content.value);
-    for (size_t k = 0; k < numbersIn(content.type); ++k) {
-        *place++ = ' ';
-        place = writeNumber(place, slots[k]);
-    }
-    return place;
-}
-
-// The "d" behind the uid belongs to the format: saved documents have it.
-void appendLine(std::string& state, const LineContent& content) {
-    const bool holdsInts = (content.type & 0x20) != 0;
-    if (!holdsInts && !(content.type & 0x10)) return;
-    std::array<char, LongestLine> line;
-    char* place = std::to_chars(line.data(), line.data() + line.size(), content.uid).ptr;
-    *place++ = 'd';
-    *place++ = ' ';
-    *place++ = holdsInts ? 'i' : 'f';
-    *place++ = static_cast<char>('0' + numbersIn(content.type));
-    place = holdsInts ? writeNumbers<int>(place, content) : writeNumbers<float>(place, content);
-    *place++ = '\n';
-    state.append(line.data(), static_cast<size_t>(place - line.data()));
-}
 
 std::string_view viewOf(const kvString::CString& text) {
     return {text.asChar(), text.length()};
 }
 
-// Cuts the piece before the first separator off, with the separator; without one, all of it.
-std::string_view takePiece(std::string_view& text, char separator) {
-    const std::string_view piece = text.substr(0, text.find(separator));
-    text.remove_prefix(piece.size() < text.size() ? piece.size() + 1 : piece.size());
-    return piece;
-}
-
-float takeFloat(std::string_view& line) {
-    float number = 0;
-    const size_t length = support::readPlainDecimal(line, ' ', number);
-    if (length == 0) return support::leadingFloat(takePiece(line, ' '));
-    line.remove_prefix(std::min(length + 1, line.size()));
-    return number;
-}
-
-int takeInteger(std::string_view& line) {
-    return support::leadingInteger(takePiece(line, ' '));
-}
-
-// As many numbers as the setter of that count takes, which is one for a count that none has. Pieces that are
-// missing are empty.
-template <class T>
-std::array<T, 4> takeNumbers(std::string_view line, int count, T (*take)(std::string_view& line)) {
-    std::array<T, 4> numbers{};
-    const int wanted = count >= 2 && count <= 4 ? count : 1;
-    for (int k = 0; k < wanted; ++k) numbers[static_cast<size_t>(k)] = take(line);
-    return numbers;
-}
-
-void applyInts(SubstanceInput& input, int count, std::string_view line) {
-    const std::array<int, 4> n = takeNumbers(line, count, takeInteger);
+void setInts(SubstanceInput& input, int count, const int* n) {
     switch (count) {
     case 2:
         return input.setValue2I(n[0], n[1]);
@@ -119,8 +32,7 @@ void applyInts(SubstanceInput& input, int count, std::string_view line) {
     }
 }
 
-void applyFloats(SubstanceInput& input, int count, std::string_view line) {
-    const std::array<float, 4> n = takeNumbers(line, count, takeFloat);
+void setFloats(SubstanceInput& input, int count, const float* n) {
     switch (count) {
     case 2:
         return input.setValue2F(n[0], n[1]);
@@ -134,16 +46,12 @@ void applyFloats(SubstanceInput& input, int count, std::string_view line) {
 }
 
 // The line's kind chooses the setter, whatever the input's type: on purpose, a document means what it says.
-void applyLine(const kv::Reference<Substance>& material, std::string_view line) {
-    const unsigned int uid = support::leadingUnsigned(takePiece(line, ' '));
-    SubstanceEntity* const entity = material->getEntity(uid);
+void applyLine(const kv::Reference<Substance>& material, const StateLine& line) {
+    SubstanceEntity* const entity = material->getEntity(line.uid);
     if (!entity || typeid(*entity) != typeid(SubstanceInput)) return;
     const kv::Reference<SubstanceInput> input(static_cast<SubstanceInput*>(entity));
-    const std::string_view format = takePiece(line, ' ');
-    const char kind = format.empty() ? '\0' : format[0];
-    const int count = format.size() > 1 ? format[1] - '0' : 0;
-    if (kind == 'i') applyInts(*input, count, line);
-    if (kind == 'f') applyFloats(*input, count, line);
+    if (line.kind == 'i') setInts(*input, line.count, line.numbers.i);
+    if (line.kind == 'f') setFloats(*input, line.count, line.numbers.f);
     syncValueFromSubstanceInputToInputInstanceBase(input.get(), findInputInstance(*material, *input));
 }
 
@@ -153,18 +61,29 @@ void applyLine(const kv::Reference<Substance>& material, std::string_view line) 
 // input then overlaps with what is fetched for the next, which in large materials takes longer than the
 // writing.
 kvString::CString Substance::getStateString() const {
+    struct Value {
+        unsigned int uid;
+        Type type;
+        SubstanceInput::IntOrFloat value;
+    };
+    constexpr size_t atOnce = 16;
+    std::array<Value, atOnce> values;
+    std::array<char, atOnce * longestStateLine> lines;
+
     std::string state;
     state.reserve(packageURL.length() + 1 + UsualLine * static_cast<size_t>(inputs.count()));
     state += packageURL.asChar();
     state += '\n';
-    std::array<LineContent, 16> contents;
     for (auto item = inputs.begin(); item != inputs.end();) {
         size_t gathered = 0;
-        for (; gathered < contents.size() && item != inputs.end(); ++item) {
+        for (; gathered < atOnce && item != inputs.end(); ++item) {
             const SubstanceInput& input = *item->value;
-            contents[gathered++] = {input.getUID(), input.type, input.value};
+            values[gathered++] = {input.getUID(), input.type, input.value};
         }
-        for (size_t k = 0; k < gathered; ++k) appendLine(state, contents[k]);
+        char* end = lines.data();
+        for (size_t k = 0; k < gathered; ++k)
+            end = writeStateLine(end, values[k].uid, values[k].type, values[k].value);
+        state.append(lines.data(), end);
     }
     return kvString::CString(state.data(), state.size());
 }
@@ -177,8 +96,10 @@ void Substance::applyStateString(const kvString::CString& state) {
     std::string_view rest = copy;
     if (rest.empty() || takePiece(rest, '\n') != viewOf(packageURL)) return;
     while (!rest.empty()) {
-        const std::string_view line = takePiece(rest, '\n');
-        if (!line.empty()) applyLine(keep, line);
+        if (rest.front() == '\n')
+            rest.remove_prefix(1);
+        else
+            applyLine(keep, takeStateLine(rest));
     }
 }
 

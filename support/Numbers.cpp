@@ -72,7 +72,7 @@ bool isDigit(char c) {
     return c >= '0' && c <= '9';
 }
 
-// Saturates. State strings give a uid on every line, so it is worth being quick.
+// Saturates.
 unsigned int leadingDigits(std::string_view text) {
     constexpr auto most = std::numeric_limits<unsigned int>::max();
     std::uint64_t value = 0;
@@ -206,31 +206,6 @@ float leadingFloat(std::string_view text) {
         magnitude = word == "inf" ? HUGE_VAL : std::numeric_limits<double>::quiet_NaN();
     }
     return static_cast<float>(std::copysign(magnitude, isNegative ? -1.0 : 1.0));
-}
-
-size_t readPlainDecimal(std::string_view text, char end, float& value) {
-    constexpr size_t mostDigits = 15;
-    constexpr double powersOfTen[mostDigits + 1] = {1,   1e1, 1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
-                                                    1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
-    const bool isNegative = !text.empty() && text.front() == '-';
-    const size_t begin = isNegative ? 1 : 0;
-    size_t length = begin;
-    size_t point = 0; // one behind it
-    std::uint64_t digits = 0;
-    for (; length < text.size() && text[length] != end; ++length) {
-        const char c = text[length];
-        if (isDigit(c))
-            digits = 10 * digits + static_cast<std::uint64_t>(c - '0');
-        else if (c == '.' && point == 0)
-            point = length + 1;
-        else
-            return 0;
-    }
-    const size_t count = length - begin - (point > 0 ? 1 : 0);
-    if (count == 0 || count > mostDigits) return 0;
-    const double magnitude = static_cast<double>(digits) / powersOfTen[point > 0 ? length - point : 0];
-    value = static_cast<float>(isNegative ? -magnitude : magnitude);
-    return length;
 }
 
 float leadingFloat(const char* text) {

@@ -49,12 +49,6 @@ int leadingInteger(const char* text);
 float leadingFloat(std::string_view text); // as atof, but for hexadecimal numbers, which give 0
 float leadingFloat(const char* text);
 
-// What leadingFloat gives for the piece of a text before an end character, quickly, where the piece is digits
-// with at most one point and one minus, 15 of them at most: the digits as a whole number and the power of ten
-// are exact then, so that their quotient is rounded once (W. D. Clinger, "How to read floating point numbers
-// accurately", 1990). Returns the length of the piece; 0 for any other, and the value is as it was.
-size_t readPlainDecimal(std::string_view text, char end, float& value);
-
 std::string toText(float value); // six significant digits, as streams print by default
 
 // Writes a float with six decimals, as "%f" prints it, without a zero behind it. There must be room for

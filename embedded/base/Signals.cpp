@@ -185,22 +185,17 @@ int SignalBase::numConnections() const {
     return hasBody ? body->emitted.countLasting() : 0;
 }
 
-SignalWalk::SignalWalk(SignalBase& signal)
-    : body(signal.hasBody ? signal.body : nullptr) {
-    if (body) body->emitted.beginWalk();
+void SignalWalk::begin(const SignalBase& signal) {
+    body = signal.body;
+    body->emitted.beginWalk();
 }
 
-SignalWalk::~SignalWalk() {
-    if (body) body->emitted.endWalk();
+void SignalWalk::end() {
+    body->emitted.endWalk();
 }
 
-SignalItem* SignalWalk::first() {
-    place = 0;
-    return body ? body->emitted.at(place) : nullptr;
-}
-
-SignalItem* SignalWalk::next() {
-    return body ? body->emitted.at(++place) : nullptr;
+SignalItem* SignalWalk::at(size_t item) const {
+    return body->emitted.at(item);
 }
 
 } // namespace kvRTB

@@ -26,7 +26,7 @@ GraphInstance::GraphInstance(const GraphDesc& description)
     for (const auto& input : desc.inputs) {
         inputs.push_back(input->instantiate(*this));
         if (!input->identifier.empty() && placesByIdentifier.emplace(input->identifier, named.size()).second)
-            named.push_back(inputs.back().get());
+            named.push_back({input->identifier, inputs.back().get()});
     }
 }
 
@@ -54,14 +54,14 @@ void GraphInstance::writeKeyBytes(std::vector<unsigned char>& bytes) const {
 }
 
 InputInstanceBase* GraphInstance::findInput(std::string_view identifier) const {
-    size_t place = expectedPlace;
-    if (place >= named.size() || named[place]->desc.identifier != identifier) {
+    size_t place = expectedPlace.load(std::memory_order_relaxed);
+    if (place >= named.size() || named[place].identifier != identifier) {
         const auto found = placesByIdentifier.find(identifier);
         if (found == placesByIdentifier.end()) return nullptr;
         place = found->second;
     }
     expectedPlace.store(place + 1, std::memory_order_relaxed);
-    return named[place];
+    return named[place].instance;
 }
 
 } // namespace SubstanceAir

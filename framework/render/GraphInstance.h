@@ -38,8 +38,13 @@ public:
     InputInstanceBase* findInput(std::string_view identifier) const;
 
 private:
-    std::vector<InputInstanceBase*> named; // the first of each identifier, in the description's order
-    // Places among these. The identifiers are the description's.
+    // The first of each identifier, in the description's order, and their places. The identifiers are the
+    // description's.
+    struct NamedInput {
+        std::string_view identifier;
+        InputInstanceBase* instance;
+    };
+    std::vector<NamedInput> named;
     boost::unordered_flat_map<std::string_view, size_t, std::hash<std::string_view>> placesByIdentifier;
     mutable std::atomic<size_t> expectedPlace{0}; // hosts synchronise thousands of inputs in their order
 };

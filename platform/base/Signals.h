@@ -92,15 +92,25 @@ private:
 class KVBASE_API SignalWalk {
 public:
     /// The signal has to live only until this returns.
-    explicit SignalWalk(SignalBase& signal);
+    explicit SignalWalk(SignalBase& signal) {
+        if (signal.hasBody) begin(signal);
+    }
     SignalWalk(const SignalWalk&) = delete;
     SignalWalk& operator=(const SignalWalk&) = delete;
-    ~SignalWalk();
+    ~SignalWalk() {
+        if (body) end();
+    }
 
-    SignalItem* first(); ///< Null when there is none. Borrowed from the walk, as are those that follow.
-    SignalItem* next();  ///< The item after the one returned last; null behind the last one.
+    /// Null when there is none. Borrowed from the walk, as are those that follow.
+    SignalItem* first() { return body ? at(place = 0) : nullptr; }
+    /// The item after the one returned last; null behind the last one.
+    SignalItem* next() { return body ? at(++place) : nullptr; }
 
 private:
+    void begin(const SignalBase& signal);
+    void end();
+    SignalItem* at(size_t item) const;
+
     std::shared_ptr<SignalBase::Body> body;
     size_t place = 0;
 };

@@ -62,6 +62,10 @@ TEST(StateString, Applying) {
         {"99d i1 5\n7d i1 5\n\n33d i1 5\r\n", "33", "5,2,3,4"}, // unknown, an output, nothing
         {"35d i3 5 x6\n", "35", "5,0,0,4"},                     // no numbers, no field
         {"36d i4 5 6 7 8\n", "36", "5,6,8,4"},
+        {"18d f2 5\n33d i1 6\n", "18", "5,0,3,4"}, // the next line is not this one's
+        {"18d f2 5 6 7\n", "18", "5,6,3,4"},
+        {"18d f2  5 6\n", "18", "0,5,3,4"},
+        {"33d i1 99999999999\n", "33", "2147483647,2,3,4"},
         {"34d i9 5 6\n", "34", "5,2,3,4"},
         {"34d i\n", "34", "0,2,3,4"},
         {"33d f1 1\n", "33", "1065353216,2,3,4"}, // the line chooses the setter
