@@ -17,7 +17,7 @@ using SubstanceAir::PackageStackDesc;
 
 namespace {
 
-constexpr size_t MaxPackageSize = std::numeric_limits<int>::max(); // sizes pass through the linker as int
+constexpr size_t MaxPackageSize = std::numeric_limits<int>::max(); // no package of sense is larger
 
 // What materials borrow and nobody deletes. It lives as long as the process, and within reach of leak
 // checkers.
@@ -51,7 +51,6 @@ kv::Reference<Substance> createSubstance(PackageDesc* first, PackageDesc* second
     const kv::Reference<Substance> material(new Substance);
     stack = std::make_unique<PackageStackDesc>(first->graphs().front(), second->graphs().front(),
                                                SubstanceAir::ConnectionList());
-    if (stack->graphs().empty()) return {};
     SubstanceAir::instantiateGraphs(material->getGraphInstances(), *stack);
     fillMaterial(*material);
     material->setPackageDesc(stack.get(), first, second);

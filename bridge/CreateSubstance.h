@@ -3,12 +3,14 @@
 ///
 /// Outputs of the first package's first graph (the bottom) feed the image inputs of the second package's
 /// first graph (the top). The material gets an input for every number that the stacked graph takes, with
-/// default, range, widget and combo items as its author described them; texts that make no sense leave a
-/// setting unset. It gets no outputs: its texture comes from getTextureFromSubstance.
+/// default, range, widget and combo items as its author described them. Of an input without a known widget
+/// only the default is taken; a range that makes no sense is set all the same (docs/quirks.md). The material
+/// gets no outputs: its texture comes from getTextureFromSubstance.
 ///
-/// An empty reference means that a package is missing or has no graph, or that connecting the two would tie
-/// more inputs to outputs than any material needs (4,000,000 pairs). Memory that is not to be had throws
-/// std::bad_alloc.
+/// An empty reference means that a package is missing or has no graph. Packages that cannot be stacked make a
+/// material without graphs, inputs, URL and label, whose texture is null: when the description of one
+/// announces fewer graphs than it has, or when connecting the two would tie more inputs to outputs than any
+/// material needs (4,000,000 pairs). Memory that is not to be had throws std::bad_alloc.
 ///
 /// Threads: one call at a time in a process; packages are read through process-wide buffers.
 #pragma once

@@ -29,7 +29,6 @@ void RenderQueue::push(SubstanceAir::GraphInstance& graph) {
 bool RenderQueue::handOver() {
     const SubstanceAir::RendererAccess renderer;
     if (!renderer) return false;
-    renderer->markWaitingJobs();
     while (!jobs.empty()) {
         renderer->pushJob(std::move(jobs.front())); // which leaves the job here when memory runs out
         jobs.pop_front();

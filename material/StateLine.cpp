@@ -10,6 +10,9 @@ namespace kvSubstance {
 
 namespace {
 
+constexpr size_t longestInt = 11; // characters; no uid has more
+
+// A type without a component count (16, 32) is one number: on purpose, as it is when it is synchronised.
 size_t numbersOf(int count) {
     return count >= 2 && count <= 4 ? static_cast<size_t>(count) : 1;
 }
@@ -24,7 +27,7 @@ std::array<T, 4> slotsOf(const SubstanceInput::IntOrFloat& values) {
 }
 
 char* writeNumber(char* place, int number) {
-    return std::to_chars(place, place + longestStateLine, number).ptr;
+    return std::to_chars(place, place + longestInt, number).ptr;
 }
 char* writeNumber(char* place, float number) {
     return support::writeFixed(place, number);
@@ -86,7 +89,7 @@ char* writeStateLine(char* place, unsigned int uid, Type type, const SubstanceIn
     const bool holdsInts = (type & 0x20) != 0;
     if (!holdsInts && (type & 0x10) == 0) return place;
     const size_t count = numbersOf(type & 7);
-    place = std::to_chars(place, place + longestStateLine, uid).ptr;
+    place = std::to_chars(place, place + longestInt, uid).ptr;
     *place++ = 'd';
     *place++ = ' ';
     *place++ = holdsInts ? 'i' : 'f';

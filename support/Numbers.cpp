@@ -221,21 +221,17 @@ std::string toText(float value) {
 
 // Like to_chars, but faster where the value is of an ordinary size.
 char* writeFixed(char* place, float value) {
+    char* const end = place + longestFixedText;
     const float magnitude = std::abs(value);
     if (!(magnitude < limitOfMillionths))
-        return std::to_chars(place, place + longestFixedText, value, std::chars_format::fixed, 6).ptr;
+        return std::to_chars(place, end, value, std::chars_format::fixed, 6).ptr;
     if (std::signbit(value)) *place++ = '-';
     const std::uint64_t millionths = roundedMillionths(magnitude);
-    place = std::to_chars(place, place + longestFixedText, millionths / million).ptr;
+    place = std::to_chars(place, end, millionths / million).ptr;
     *place++ = '.';
     auto decimals = static_cast<std::uint32_t>(millionths % million);
     for (int k = 5; k >= 0; --k, decimals /= 10) place[k] = static_cast<char>('0' + decimals % 10);
     return place + 6;
-}
-
-std::string toFixedText(float value) {
-    std::array<char, longestFixedText> characters;
-    return std::string(characters.data(), writeFixed(characters.data(), value));
 }
 
 int truncated(float value) {

@@ -55,7 +55,6 @@ std::string toText(float value); // six significant digits, as streams print by 
 // longestFixedText characters. Returns the end.
 constexpr size_t longestFixedText = 47;
 char* writeFixed(char* place, float value);
-std::string toFixedText(float value);
 
 // Towards zero; out of range becomes the nearest integer, NaN becomes 0.
 int truncated(float value);

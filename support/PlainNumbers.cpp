@@ -9,7 +9,7 @@ namespace support {
 
 namespace {
 
-// What fewer digits amount to is below two to the 53rd: a double holds it exactly.
+// What so many digits amount to is below two to the 53rd: a double holds it exactly.
 constexpr int mostDigits = 15;
 
 constexpr std::array<double, mostDigits + 1> powersOfTen = {1,   1e1, 1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
@@ -55,8 +55,9 @@ const char* readPlain(const char* text, const char* end, int& value) {
     return behind;
 }
 
-// The digits as a whole number and the power of ten are exact, so that their quotient is rounded once (W. D.
-// Clinger, "How to read floating point numbers accurately", 1990).
+// The digits as a whole number and the power of ten are exact, so that their quotient is the nearest double,
+// which leadingFloat, too, makes a float of (W. D. Clinger, "How to read floating point numbers accurately",
+// 1990).
 const char* readPlain(const char* text, const char* end, float& value) {
     const bool isNegative = startsWith('-', text, end);
     const char* const whole = text + (isNegative ? 1 : 0);

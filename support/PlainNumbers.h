@@ -6,7 +6,8 @@ namespace support {
 
 // Reads the number that a text begins with, as the leading... conversions of Numbers.h read the same
 // characters, and returns its end. What follows is the caller's matter: an exponent, for instance. Null where
-// the text begins with no such number, or with one of too many digits; the value is then as it was.
+// the text begins with no such number, or with one of more than 15 digits, or beyond the type, for which the
+// least int counts too; the value is then as it was.
 const char* readPlain(const char* text, const char* end, unsigned int& value); // without a minus
 const char* readPlain(const char* text, const char* end, int& value);
 const char* readPlain(const char* text, const char* end, float& value);

@@ -9,7 +9,8 @@ namespace tool {
 
 MaterialSession::MaterialSession(const kv::vector<char>& bottom, const kv::vector<char>& top)
     : held(kvSubstance::createSubstance(bottom, top)) {
-    if (!held) throw Failure("the library makes no material of these packages");
+    if (!held || held->getGraphInstances().empty())
+        throw Failure("the library makes no material of these packages");
 }
 
 std::optional<Texture> MaterialSession::render() {

@@ -38,6 +38,14 @@ public:
         publish();
     }
 
+    // Of a connection that was added last and has come to nothing. No other thread adds meanwhile.
+    void takeBack(const Connection& connection) noexcept {
+        const std::lock_guard<std::mutex> hold(mutex);
+        const auto isIt = [&connection](const Pointer& each) { return each.get() == &connection; };
+        connections.erase(std::remove_if(connections.begin(), connections.end(), isIt), connections.end());
+        publish();
+    }
+
     // Null past the end. The list keeps the connection as long as the walk lasts that asks.
     Connection* at(size_t place) const {
         if (place >= size) return nullptr;
@@ -173,12 +181,16 @@ const std::shared_ptr<SignalBase::Body>& SignalBase::ensureBody() {
     return body;
 }
 
-// The receiver learns of the connection first: should the second step fail for want of memory, nothing can
-// call a receiver that does not know.
+// The receiver learns of the connection first, so that nothing can call a receiver that does not know.
 void SignalBase::connect(const FunctionVoid& callback, SignalBase& receiver) {
     const auto connection = std::make_shared<Connection>(callback, ensureBody(), receiver.ensureBody());
     receiver.body->received.add(connection);
-    body->emitted.add(connection);
+    try {
+        body->emitted.add(connection);
+    } catch (...) {
+        receiver.body->received.takeBack(*connection);
+        throw;
+    }
 }
 
 int SignalBase::numConnections() const {

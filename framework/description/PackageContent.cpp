@@ -1,8 +1,8 @@
 #include "framework/description/PackageContent.h"
 
 #include "platform/linker.h"
+#include "support/ProcessEnd.h"
 
-#include <boost/thread/lock_guard.hpp>
 #include <boost/thread/mutex.hpp>
 
 #include <new>
@@ -55,10 +55,10 @@ void noteMemory(unsigned int status) {
 void pushThroughLinker(const void* data, size_t size) {
     SubstanceLinkerContext* context = nullptr;
     noteMemory(substanceLinkerContextInit(&context, SubstanceLinkerApiVersion, SubstanceLinkerEngineId));
-    substanceLinkerContextSetCallback(context, SubstanceLinkerCallbackText,
-                                      reinterpret_cast<SubstanceLinkerCallback>(&keepDescription));
-    substanceLinkerContextSetCallback(context, SubstanceLinkerCallbackBytes,
-                                      reinterpret_cast<SubstanceLinkerCallback>(&keepAssembly));
+    noteMemory(substanceLinkerContextSetCallback(
+        context, SubstanceLinkerCallbackText, reinterpret_cast<SubstanceLinkerCallback>(&keepDescription)));
+    noteMemory(substanceLinkerContextSetCallback(context, SubstanceLinkerCallbackBytes,
+                                                 reinterpret_cast<SubstanceLinkerCallback>(&keepAssembly)));
 
     SubstanceLinkerHandle* handle = nullptr;
     noteMemory(substanceLinkerHandleInit(&handle, context));
@@ -71,7 +71,8 @@ void pushThroughLinker(const void* data, size_t size) {
 
 PackageContent splitPackage(const void* data, size_t size) {
     LinkerAnswer& answer = linkerAnswer();
-    const boost::lock_guard<boost::mutex> lock(answer.mutex);
+    boost::unique_lock<boost::mutex> lock(answer.mutex, boost::defer_lock);
+    if (!support::isProcessEnding()) lock.lock();
     answer.isOutOfMemory = false;
     pushThroughLinker(data, size);
     if (answer.isOutOfMemory) throw std::bad_alloc();

@@ -5,6 +5,7 @@
 #include "framework/render/RenderResult.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <new>
 #include <utility>
 
@@ -14,11 +15,11 @@ namespace {
 
 // The position of the job's output of that uid; the number of outputs when there is none.
 size_t findOutput(const RenderJob& job, unsigned int uid) {
-    const auto hasLowerUid = [](const OutputInstance* output, unsigned int key) {
-        return output->desc.uid < key;
+    const auto hasLowerUid = [](const JobOutput& output, unsigned int key) {
+        return output.instance->desc.uid < key;
     };
     const auto found = std::lower_bound(job.outputs.begin(), job.outputs.end(), uid, hasLowerUid);
-    if (found == job.outputs.end() || (*found)->desc.uid != uid) return job.outputs.size();
+    if (found == job.outputs.end() || found->instance->desc.uid != uid) return job.outputs.size();
     return static_cast<size_t>(found - job.outputs.begin());
 }
 
@@ -37,12 +38,12 @@ std::unique_ptr<RenderResult> fetchResult(SubstanceHandle* handle, unsigned int 
 }
 
 bool deliver(SubstanceHandle* handle, unsigned int outputIndex, const RenderJob& job,
-             OutputInstance& output) noexcept {
+             const JobOutput& output) noexcept {
     try {
         std::unique_ptr<RenderResult> result = fetchResult(handle, outputIndex, job);
         if (!result) return false;
-        result->isLate = job.isLate;
-        output.appendResult(std::move(result));
+        result->isLate = output.runs > 1;
+        output.instance->appendResult(std::move(result));
         return true;
     } catch (...) {
         return false; // nothing may be thrown into the engine
@@ -66,7 +67,7 @@ void completeOutput(SubstanceHandle* handle, unsigned int outputIndex, RenderJob
     std::atomic<OutputOutcome>& outcome = job.outcomes[position];
     OutputOutcome expected = OutputOutcome::Awaited;
     if (!outcome.compare_exchange_strong(expected, OutputOutcome::Fetching)) return;
-    const bool isDelivered = deliver(handle, outputIndex, job, *job.outputs[position]);
+    const bool isDelivered = deliver(handle, outputIndex, job, job.outputs[position]);
     outcome = isDelivered ? OutputOutcome::Delivered : OutputOutcome::Awaited;
 }
 
@@ -76,14 +77,14 @@ void dropDelivered(RenderJob& job) {
         const bool isDelivered = i < job.outcomes.size() && job.outcomes[i] == OutputOutcome::Delivered;
         if (!isDelivered) job.outputs[kept++] = job.outputs[i];
     }
-    job.outputs.resize(kept);
+    job.outputs.erase(job.outputs.begin() + static_cast<std::ptrdiff_t>(kept), job.outputs.end());
     job.outcomes.clear();
 }
 
 void settleOutputs(const RenderJob& job) {
     if (!job.pushed) return; // nothing was asked for
     for (size_t i = 0; i < job.outcomes.size(); ++i)
-        if (job.outcomes[i] != OutputOutcome::Delivered) job.outputs[i]->dirty = true;
+        if (job.outcomes[i] != OutputOutcome::Delivered) job.outputs[i].instance->dirty = true;
 }
 
 } // namespace SubstanceAir

@@ -2,7 +2,6 @@
 
 #include "framework/render/ProcessObjects.h"
 
-#include <algorithm>
 #include <utility>
 
 namespace SubstanceAir {
@@ -23,11 +22,14 @@ OutputInstance::OutputInstance(const OutputDesc& description)
 
 OutputInstance::~OutputInstance() = default;
 
+// One at a time: the mutex is not held while the engine frees a buffer.
 std::unique_ptr<RenderResult> OutputInstance::grabResult() {
-    const auto lock = lockResults();
-    if (results.empty()) return nullptr;
-    std::unique_ptr<RenderResult> oldest = std::move(results.front());
-    results.pop_front();
+    std::unique_ptr<RenderResult> oldest = takeOldest();
+    while (oldest && oldest->isLate) {
+        std::unique_ptr<RenderResult> newer = takeOldest();
+        if (!newer) break;
+        oldest = std::move(newer);
+    }
     return oldest;
 }
 
@@ -36,20 +38,12 @@ void OutputInstance::appendResult(std::unique_ptr<RenderResult> result) {
     results.push_back(std::move(result));
 }
 
-// One at a time, as the mutex is held for one only, and not while the engine frees a buffer.
-void OutputInstance::dropLateResults() {
-    while (takeLateResult()) {
-    }
-}
-
-std::unique_ptr<RenderResult> OutputInstance::takeLateResult() {
+std::unique_ptr<RenderResult> OutputInstance::takeOldest() {
     const auto lock = lockResults();
-    const auto late =
-        std::find_if(results.begin(), results.end(), [](const auto& result) { return result->isLate; });
-    if (late == results.end()) return nullptr;
-    std::unique_ptr<RenderResult> taken = std::move(*late);
-    results.erase(late);
-    return taken;
+    if (results.empty()) return nullptr;
+    std::unique_ptr<RenderResult> oldest = std::move(results.front());
+    results.pop_front();
+    return oldest;
 }
 
 } // namespace SubstanceAir

@@ -21,12 +21,11 @@ public:
     explicit OutputInstance(const OutputDesc& description);
     ~OutputInstance(); // frees the results that nobody took
 
-    // The oldest finished texture, which becomes the caller's; null when there is none.
+    // The oldest finished texture, which becomes the caller's; null when there is none. One that came late
+    // gives way to what came after it: hosts that take one for each request would see old pictures from then
+    // on.
     std::unique_ptr<RenderResult> grabResult();
     void appendResult(std::unique_ptr<RenderResult> result);
-
-    // A new job is about to give newer textures than the ones that came late: hosts take the oldest.
-    void dropLateResults();
 
     const OutputDesc& desc;
     bool enabled = true;            // only enabled outputs are rendered
@@ -34,7 +33,7 @@ public:
     std::atomic<bool> dirty = true; // to be rendered; cleared when a job takes the output
 
 private:
-    std::unique_ptr<RenderResult> takeLateResult(); // null when there is none
+    std::unique_ptr<RenderResult> takeOldest(); // null when there is none
 
     std::deque<std::unique_ptr<RenderResult>> results; // oldest first
 };

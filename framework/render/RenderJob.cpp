@@ -13,8 +13,8 @@ namespace {
 bool hasLowerUid(const InputValueSnapshot& a, const InputValueSnapshot& b) {
     return a.uid < b.uid;
 }
-bool hasLowerUid(const OutputInstance* a, const OutputInstance* b) {
-    return a->desc.uid < b->desc.uid;
+bool hasLowerUid(const JobOutput& a, const JobOutput& b) {
+    return a.instance->desc.uid < b.instance->desc.uid;
 }
 
 constexpr auto byUid = [](const auto& a, const auto& b) { return hasLowerUid(a, b); };
@@ -31,11 +31,8 @@ std::vector<T> unite(const std::vector<T>& preferred, const std::vector<T>& othe
 
 void takeDirtyOutputs(const GraphInstance& graph, RenderJob& job) {
     job.outputs.reserve(graph.outputs.size());
-    for (const auto& output : graph.outputs) {
-        if (!output->enabled || !output->dirty.exchange(false)) continue;
-        output->dropLateResults();
-        job.outputs.push_back(output.get());
-    }
+    for (const auto& output : graph.outputs)
+        if (output->enabled && output->dirty.exchange(false)) job.outputs.push_back({output.get()});
 }
 
 void describe(const GraphInstance& graph, RenderJob& job) {
@@ -63,7 +60,7 @@ std::unique_ptr<RenderJob> makeRenderJob(GraphInstance& graph) {
 }
 
 void returnOutputs(const RenderJob& job) {
-    for (OutputInstance* const output : job.outputs) output->dirty = true;
+    for (const JobOutput& output : job.outputs) output.instance->dirty = true;
 }
 
 void sortByUid(RenderJob& job) {
@@ -71,11 +68,13 @@ void sortByUid(RenderJob& job) {
     std::stable_sort(job.outputs.begin(), job.outputs.end(), byUid);
 }
 
-void mergeInto(RenderJob& waiting, RenderJob& newer) {
+void mergeInto(RenderJob& waiting, const RenderJob& newer) {
     std::vector<InputValueSnapshot> inputs = unite(newer.inputs, waiting.inputs);
-    std::vector<OutputInstance*> outputs = unite(newer.outputs, waiting.outputs);
-    for (OutputInstance* const output : waiting.outputs)
-        if (std::find(outputs.begin(), outputs.end(), output) == outputs.end()) output->dirty = true;
+    std::vector<JobOutput> outputs = unite(newer.outputs, waiting.outputs);
+    for (const JobOutput& output : waiting.outputs) {
+        const auto isIt = [&output](const JobOutput& other) { return other.instance == output.instance; };
+        if (std::none_of(outputs.begin(), outputs.end(), isIt)) output.instance->dirty = true;
+    }
     waiting.inputs.swap(inputs);
     waiting.outputs.swap(outputs);
     waiting.forced = waiting.forced || newer.forced;

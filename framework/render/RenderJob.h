@@ -19,16 +19,19 @@ class OutputInstance;
 // What has become of one output of a job in the run in progress.
 enum class OutputOutcome : unsigned char { Awaited, Fetching, Delivered };
 
-// Made on the host's thread and handed to the renderer. Outputs are not owned; an instance that dies takes
-// its outputs out of waiting jobs.
+struct JobOutput {
+    OutputInstance* instance; // not owned; one that dies is taken out of waiting jobs
+    unsigned int runs = 0;    // that were to render it, the one in progress included; more after failures
+};
+
+// Made on the host's thread and handed to the renderer.
 struct RenderJob : private boost::noncopyable {
     std::vector<unsigned char> keyBytes;
     unsigned int packageUid = 0;
     std::uint64_t graphIdentity = 0;
     bool forced = true; // pushed even when none of its inputs changed
     bool pushed = false;
-    bool isLate = false; // its own request failed and left it to a later one
-    std::vector<OutputInstance*> outputs;
+    std::vector<JobOutput> outputs;
     std::vector<InputValueSnapshot> inputs;
 
     // The renderer's, for the time of a run. Any of the engine's threads may write an outcome.
@@ -48,6 +51,6 @@ void sortByUid(RenderJob& job);
 
 // Adds the inputs and outputs of a newer job of the same package to a waiting one, both sorted. Where both
 // have a uid the newer job's entry wins; an output of another graph instance that loses becomes dirty again.
-void mergeInto(RenderJob& waiting, RenderJob& newer);
+void mergeInto(RenderJob& waiting, const RenderJob& newer);
 
 } // namespace SubstanceAir

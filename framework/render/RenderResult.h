@@ -19,7 +19,7 @@ public:
 
     const SubstanceTexture texture;
     SubstanceContext* const context; // which allocated the buffer
-    bool isLate = false;             // of a job that its own request left to a later one
+    bool isLate = false;             // of a job that an earlier run should have rendered
 
 private:
     const std::shared_ptr<const void> keeper;

@@ -91,15 +91,17 @@ bool RenderState::hasPackage(unsigned int packageUid) const {
                        [packageUid](const StateKey& key) { return key.packageUid == packageUid; });
 }
 
-void RenderState::markWaiting() {
+void RenderState::countRun() {
     const Lock lock(mutex);
-    for (const auto& job : pending) job->isLate = true;
+    for (const auto& job : pending)
+        for (JobOutput& output : job->outputs) ++output.runs;
 }
 
 void RenderState::forgetOutputs(const std::function<bool(const OutputInstance*)>& isForgotten) {
+    const auto isDropped = [&isForgotten](const JobOutput& output) { return isForgotten(output.instance); };
     const Lock lock(mutex);
     for (const auto& job : pending)
-        job->outputs.erase(std::remove_if(job->outputs.begin(), job->outputs.end(), isForgotten),
+        job->outputs.erase(std::remove_if(job->outputs.begin(), job->outputs.end(), isDropped),
                            job->outputs.end());
     dropEmpty(pending);
 }
@@ -263,7 +265,7 @@ bool RenderState::pushInput(const InputValueSnapshot& input, unsigned int flags)
 bool RenderState::pushOutputs(RenderJob& job, unsigned int flags) {
     std::vector<unsigned int> uids;
     uids.reserve(job.outputs.size());
-    for (const OutputInstance* const output : job.outputs) uids.push_back(output->desc.uid);
+    for (const JobOutput& output : job.outputs) uids.push_back(output.instance->desc.uid);
     return substanceHandlePushOutputs(handle.get(), flags, uids.data(),
                                       static_cast<unsigned int>(uids.size()), &job) == 0;
 }

@@ -21,8 +21,8 @@ namespace SubstanceAir {
 class PackageRegistry;
 
 // Lives as long as the renderer, and is linked once: a package that changes needs a new state. Everything but
-// run is called with the renderer mutex held; run, on the render thread, without it. Jobs may be pushed
-// during a run, and wait for the next.
+// countRun and run is called with the renderer mutex held; these, on the render thread, without it. Jobs may
+// be pushed during a run, and wait for the next.
 class RenderState : private boost::noncopyable {
 public:
     RenderState() = default;
@@ -43,14 +43,14 @@ public:
     // True when the state serves this one graph only; its first key then gets the new bytes.
     bool updateKey(std::uint64_t graphIdentity, const std::vector<unsigned char>& newBytes);
 
-    // What waits now was left behind by an earlier request.
-    void markWaiting();
+    // At the beginning of a run of the renderer, on the render thread: what waits now is to be rendered.
+    void countRun();
 
     // Whether a key of the state names the package.
     bool hasPackage(unsigned int packageUid) const;
 
-    // Takes such outputs out of every waiting job, and drops jobs that are left without any. Not during a
-    // run.
+    // Takes such outputs out of every waiting job, and drops jobs that are left without any. Jobs of a run in
+    // progress keep theirs: who ends the life of an output waits for the run first.
     void forgetOutputs(const std::function<bool(const OutputInstance*)>& isForgotten);
 
 private:

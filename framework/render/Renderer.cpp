@@ -14,8 +14,12 @@ namespace SubstanceAir {
 
 using Lock = boost::lock_guard<boost::mutex>;
 
+// Kept: the linker is asked once. One that refuses its version or its engine refuses for good, and hosts see
+// the same for as long as the renderer lives: nothing is rendered.
 RendererImpl::RendererImpl() {
-    ensureLinkerContext();
+    SubstanceLinkerContext* made = nullptr;
+    substanceLinkerContextInit(&made, SubstanceLinkerApiVersion, SubstanceLinkerEngineId);
+    if (made) linkerContext.reset(made, substanceLinkerContextRelease);
 }
 
 RendererImpl::~RendererImpl() {
@@ -46,27 +50,25 @@ bool RendererImpl::isPackageUidTaken(unsigned int uid) const {
 // What waits under another key, since a failure, was made of older values: its textures would come beside the
 // new ones.
 void RendererImpl::pushJob(std::unique_ptr<RenderJob>&& job) {
-    const std::vector<OutputInstance*> outputs = job->outputs;
+    const std::vector<JobOutput> outputs = job->outputs;
     const Lock lock(statesMutex);
     auto state =
         std::find_if(states.begin(), states.end(), [&job](const auto& each) { return each->matches(*job); });
     if (state == states.end()) state = states.insert(state, std::make_unique<RenderState>());
     (*state)->push(std::move(job));
-    const auto isNewer = [&outputs](const OutputInstance* output) {
-        return std::find(outputs.begin(), outputs.end(), output) != outputs.end();
+    const auto isNewer = [&outputs](const OutputInstance* waiting) {
+        return std::any_of(outputs.begin(), outputs.end(),
+                           [waiting](const JobOutput& output) { return output.instance == waiting; });
     };
     for (auto other = states.begin(); other != states.end(); ++other)
         if (other != state) (*other)->forgetOutputs(isNewer);
 }
 
-void RendererImpl::markWaitingJobs() {
-    const Lock lock(statesMutex);
-    for (const auto& state : states) state->markWaiting();
-}
-
 void RendererImpl::runAll() {
-    if (!ensureContexts()) return;
-    for (RenderState* const state : allStates()) state->run(linkerContext.get(), engineContext, packages);
+    const std::vector<RenderState*> all = allStates();
+    for (RenderState* const state : all) state->countRun();
+    if (!ensureEngineContext()) return;
+    for (RenderState* const state : all) state->run(linkerContext.get(), engineContext, packages);
 }
 
 void RendererImpl::updateStateKey(std::uint64_t graphIdentity, const std::vector<unsigned char>& /*oldBytes*/,
@@ -89,16 +91,7 @@ void RendererImpl::onOutputCompleted(SubstanceHandle* handle, unsigned int outpu
     if (jobUserData) completeOutput(handle, outputIndex, *static_cast<RenderJob*>(jobUserData));
 }
 
-bool RendererImpl::ensureLinkerContext() {
-    if (linkerContext) return true;
-    SubstanceLinkerContext* made = nullptr;
-    substanceLinkerContextInit(&made, SubstanceLinkerApiVersion, SubstanceLinkerEngineId);
-    if (made) linkerContext.reset(made, substanceLinkerContextRelease);
-    return made != nullptr;
-}
-
-bool RendererImpl::ensureContexts() {
-    if (!ensureLinkerContext()) return false;
+bool RendererImpl::ensureEngineContext() {
     if (engineContext) return true;
     SubstanceContext* made = nullptr;
     if (substanceContextInit(&made, &device) != 0) return false;

@@ -20,8 +20,8 @@ namespace SubstanceAir {
 class GraphInstance;
 
 // Reached through RendererAccess, which holds the renderer mutex; runAll alone is called without it, on the
-// render thread. Failures are silent: what could not be done is tried again by the next run, the contexts
-// included. The linker's is made first, in the constructor.
+// render thread. Failures are silent: what could not be done is tried again by the next run, the engine's
+// context included. The linker's is made first, in the constructor; without it nothing is ever rendered.
 class RendererImpl : private boost::noncopyable {
 public:
     RendererImpl();
@@ -40,9 +40,6 @@ public:
     // the caller's.
     void pushJob(std::unique_ptr<RenderJob>&& job);
 
-    // At the beginning of a request: jobs that wait now are late.
-    void markWaitingJobs();
-
     void runAll();
 
     // A state-key input of the graph changed. The state that serves this graph alone keeps its handle under
@@ -57,14 +54,13 @@ public:
     static void onOutputCompleted(SubstanceHandle* handle, unsigned int outputIndex, void* jobUserData);
 
 private:
-    bool ensureLinkerContext();
-    bool ensureContexts();
+    bool ensureEngineContext();
     std::vector<RenderState*> allStates() const;
 
     std::vector<std::unique_ptr<RenderState>> states; // in the order of their creation; never shrinks
     PackageRegistry packages;
     std::shared_ptr<SubstanceLinkerContext> linkerContext;
-    std::shared_ptr<SubstanceContext> engineContext; // on first use; keeps the linker context
+    std::shared_ptr<SubstanceContext> engineContext; // on first use; keeps the linker's, if there is one
     SubstanceDevice device{};
     mutable boost::mutex statesMutex; // guards the list, which a run reads without the renderer mutex
 };

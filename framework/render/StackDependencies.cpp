@@ -38,7 +38,7 @@ using Counts = std::map<unsigned int, size_t>;
 
 size_t countReplacements(const UidList& uids, const Counts& counts) {
     size_t sum = 0;
-    for (const unsigned int uid : uids) {
+    for (const unsigned int uid : asSet(uids)) {
         const auto count = counts.find(uid);
         if (count != counts.end()) sum += count->second;
     }
@@ -54,8 +54,9 @@ bool hasTooManyDependencies(const GraphDesc& bottom, const GraphDesc& top,
     for (const auto& [outputUid, inputUid] : connections) {
         const InputDescBase* const input = findInput(top.inputs, inputUid);
         const auto output = findOutput(bottom.outputs, outputUid);
-        const size_t numAltered = input ? input->alteredOutputUids.size() : 0;
-        const size_t numAltering = output != bottom.outputs.end() ? output->alteringInputUids.size() : 0;
+        const size_t numAltered = input ? asSet(input->alteredOutputUids).size() : 0;
+        const size_t numAltering =
+            output != bottom.outputs.end() ? asSet(output->alteringInputUids).size() : 0;
         altered[outputUid] += numAltered;
         altering[inputUid] += numAltering;
         sum += numAltered + numAltering;

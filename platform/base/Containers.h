@@ -6,7 +6,7 @@
 
 #include <boost/unordered/unordered_flat_map.hpp>
 
-#include <deque>
+#include <list>
 #include <utility>
 #include <vector>
 
@@ -27,8 +27,9 @@ struct UnsignedHash {
     size_t operator()(unsigned int number) const { return number; } ///< A number is its own hash.
 };
 
-/// A hash table that is walked in the order in which its keys were first inserted. Values stay where they are
-/// until the table is cleared, so that a walk may insert. One thread at a time, unless all only read.
+/// A hash table that is walked in the order in which its keys were first inserted. Items stay where they are
+/// until the table is cleared: a walk may insert, and then comes to what it has inserted. One thread at a
+/// time, unless all only read.
 template <class Key, class Value, class Hash>
 class HashTable {
 public:
@@ -42,10 +43,10 @@ public:
     /// std::bad_alloc, and the table is then as it was.
     Value& getOrInsert(const Key& key) {
         const auto place = places.find(key);
-        if (place != places.end()) return items[place->second].value;
+        if (place != places.end()) return place->second->value;
         items.push_back(Item{key, Value()});
         try {
-            places.emplace(key, items.size() - 1);
+            places.emplace(key, &items.back());
         } catch (...) {
             items.pop_back();
             throw;
@@ -56,7 +57,7 @@ public:
     /// Null when the key is not there. Valid until the table is cleared.
     const Value* find(const Key& key) const {
         const auto place = places.find(key);
-        return place == places.end() ? nullptr : &items[place->second].value;
+        return place == places.end() ? nullptr : &place->second->value;
     }
 
     /// Keys; each counts once, however often it was inserted.
@@ -70,17 +71,16 @@ public:
     auto end() const { return items.end(); }
     /// @}
 
-    /// The table is empty before its values die, so that what their end sets off finds nothing here. Throws
-    /// std::bad_alloc, and the table is then as it was.
+    /// The table is empty before its values die, so that what their end sets off finds nothing here.
     void clear() {
-        std::deque<Item> dying; // even an empty one takes memory
+        std::list<Item> dying;
         places.clear();
         items.swap(dying);
     }
 
 private:
-    boost::unordered_flat_map<Key, size_t, Hash> places;
-    std::deque<Item> items;
+    boost::unordered_flat_map<Key, Item*, Hash> places;
+    std::list<Item> items;
 };
 
 /// By identifier.

@@ -60,7 +60,8 @@ public:
 /// an object name one of the object's own signals as their receiver and end when that signal dies.
 ///
 /// Connecting, walking and ending may happen inside a callback of the same signal. A connection that is made
-/// during a walk is reached by it. Different threads may use different signals, receivers included.
+/// during a walk is reached by it, unless the walk began on a signal that never had one: that walk is empty,
+/// and stays so. Different threads may use different signals, receivers included.
 class KVBASE_API SignalBase {
 public:
     SignalBase();
@@ -83,8 +84,8 @@ private:
     friend class SignalWalk;
     const std::shared_ptr<Body>& ensureBody();
 
-    std::shared_ptr<Body> body; // made with the first connection, then the same for good
-    std::atomic<bool> hasBody{false};
+    std::shared_ptr<Body> body;       // made with the first connection, then the same for good
+    std::atomic<bool> hasBody{false}; // from before the first connect returns: only then is a walk begun
 };
 
 /// A walk over a signal's connections in their order. It keeps the list and its items alive, whatever the
@@ -107,9 +108,9 @@ public:
     SignalItem* next() { return body ? at(++place) : nullptr; }
 
 private:
-    void begin(const SignalBase& signal);
+    void begin(const SignalBase& signal); // sets the body, and keeps it and its items
     void end();
-    SignalItem* at(size_t item) const;
+    SignalItem* at(size_t item) const; // null behind the last one
 
     std::shared_ptr<SignalBase::Body> body;
     size_t place = 0;

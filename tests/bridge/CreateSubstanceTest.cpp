@@ -84,4 +84,18 @@ TEST(CreateSubstance, NeedsTwoGraphs) {
     EXPECT_FALSE(createSubstance(&package, nullptr) || createSubstance(nullptr, &package));
 }
 
+// The graph that its description announces has no package any more once the next one is there.
+TEST(CreateSubstance, WithoutAStackThereIsNothingInIt) {
+    const std::string graph = "<outputs>" + outputTag(packages::freshUids(1), "Output") + "</outputs>" +
+                              "<inputs>" + inputTag("a", 0, "1") + "/></inputs>";
+    const std::string description = packages::descriptionOf(
+        std::to_string(packages::freshUids(1)), "pkg:/a", graph + "</graph><graph pkgurl='pkg:/b'>" + graph);
+    const auto material =
+        createSubstance(hosting::content(packages::bytes(description, "two")), plainPackage());
+    ASSERT_TRUE(material);
+    EXPECT_TRUE(material->getGraphInstances().empty() && material->getInputIds().empty());
+    EXPECT_TRUE(material->getPackageURL().empty() && material->getLabel() == kvString::IString());
+    EXPECT_FALSE(getTextureFromSubstance(material.get()));
+}
+
 } // namespace

@@ -100,7 +100,7 @@ TEST(LoadingMemory, StacksOfTooManyDependenciesAreRefused) {
     for (const int numOutputs : {600, 700}) {
         const auto material =
             kvSubstance::createSubstance(package(dependencies), package(manyOutputs(numOutputs)));
-        EXPECT_EQ(bool(material), numOutputs == 600);
+        EXPECT_EQ(material->getGraphInstances().size(), numOutputs == 600 ? 1u : 0u);
     }
 }
 

@@ -163,7 +163,9 @@ TEST(Numbers, FloatsPrintAsTheCLibraryDoes) {
         std::snprintf(general.data(), general.size(), "%g", static_cast<double>(value));
         std::snprintf(fixed.data(), fixed.size(), "%f", static_cast<double>(value));
         EXPECT_EQ(inCommaLocale([value] { return support::toText(value); }), general.data());
-        EXPECT_EQ(inCommaLocale([value] { return support::toFixedText(value); }), fixed.data());
+        std::array<char, support::longestFixedText> text;
+        char* const end = inCommaLocale([&] { return support::writeFixed(text.data(), value); });
+        EXPECT_EQ(std::string(text.data(), end), fixed.data());
     }
 }
 

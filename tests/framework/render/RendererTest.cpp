@@ -85,6 +85,31 @@ TEST_F(RendererTest, NewerJobsJoinThoseOfAFailedRun) {
     EXPECT_EQ(graph.take(), "Output 1; height 1; ");
 }
 
+// Late is what an earlier run should have rendered.
+TEST_F(RendererTest, LateResultsStayUntilNewerOnesCome) {
+    const auto failToRender = [this] {
+        recording::fail("substanceHandleStart");
+        render({&graph});
+    };
+    failToRender();
+    render({});
+    graph.amount().setValue(0.1f);
+    failToRender();
+    EXPECT_EQ(graph.take(), "Output 1; height 1; ");
+    render({});
+    graph.amount().setValue(0.2f);
+    render({&graph});
+    EXPECT_EQ(graph.take(), "Output 1; height 0; ");
+
+    graph.seed().setValue(1);
+    failToRender();
+    for (const int newer : {2, 3}) {
+        graph.seed().setValue(newer);
+        render({&graph}); // of the waiting job nothing is left but what this one asks for, too
+    }
+    EXPECT_EQ(graph.take(), "Output 2; height 2; ");
+}
+
 TEST_F(RendererTest, WaitingJobsForgetGraphsThatDie) {
     auto dying = std::make_unique<TestGraph>(package);
     dying->height().enabled = false;
