@@ -35,6 +35,8 @@ Positions readPositions(const TiXmlElement& comboBox) {
 
 } // namespace
 
+// As many items as the box has children: a value that comes twice, or beyond the positions, leaves fillers at
+// the end. On purpose: positions are values, and a list that were cut short would shift them.
 void addComboItems(const TiXmlElement& comboBox, SubstanceInput& input) {
     const Positions positions = readPositions(comboBox);
     int added = 0;

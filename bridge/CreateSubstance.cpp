@@ -29,6 +29,8 @@ Immortals& immortals(size_t room) {
     return *kept;
 }
 
+// The label is in the platform's encoding, where those of inputs are UTF-8: on purpose, hosts show each with
+// the encoding that it came in.
 void fillMaterial(Substance& material) {
     const auto graphs = material.getGraphInstances();
     for (const auto& graph : graphs) {

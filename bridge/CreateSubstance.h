@@ -19,9 +19,9 @@
 
 namespace kvSubstance {
 
-/// For callers that know the engine side. The packages stay the caller's, outlive the material, and are never
-/// deleted by it. The stack that is made of them is never deleted either: on purpose, it lives as long as the
-/// process.
+/// For programs that are built inside this source tree: packages' classes do not ship. The packages stay the
+/// caller's, outlive the material, and are never deleted by it. The stack that is made of them is never
+/// deleted either: on purpose, it lives as long as the process.
 KVSUBSTANCE_API kv::Reference<Substance> createSubstance(SubstanceAir::PackageDesc* first,
                                                          SubstanceAir::PackageDesc* second);
 

@@ -1,8 +1,11 @@
 // Where the values of a material's inputs go.
 #pragma once
 
-#include "framework/render/InputInstance.h"
 #include "material/Substance.h"
+
+namespace SubstanceAir {
+class InputInstanceBase;
+}
 
 namespace kvSubstance {
 

@@ -13,8 +13,8 @@ namespace {
 constexpr size_t longestInt = 11; // characters; no uid has more
 
 // A type without a component count (16, 32) is one number: on purpose, as it is when it is synchronised.
-size_t numbersOf(int count) {
-    return count >= 2 && count <= 4 ? static_cast<size_t>(count) : 1;
+int numbersOf(int count) {
+    return count >= 2 && count <= 4 ? count : 1;
 }
 
 // The slots as one type, whichever they were written as.
@@ -34,11 +34,11 @@ char* writeNumber(char* place, float number) {
 }
 
 template <class T>
-char* writeNumbers(char* place, const SubstanceInput::IntOrFloat& value, size_t count) {
+char* writeNumbers(char* place, const SubstanceInput::IntOrFloat& value, int count) {
     const std::array<T, 4> slots = slotsOf<T>(value);
-    for (size_t k = 0; k < count; ++k) {
+    for (int k = 0; k < count; ++k) {
         *place++ = ' ';
-        place = writeNumber(place, slots[k]);
+        place = writeNumber(place, slots[static_cast<size_t>(k)]);
     }
     return place;
 }
@@ -74,8 +74,8 @@ StateLine parse(std::string_view text) {
     line.uid = support::leadingUnsigned(takePiece(text, ' '));
     const std::string_view format = takePiece(text, ' ');
     if (!format.empty()) line.kind = format[0];
-    if (format.size() > 1) line.count = format[1] - '0';
-    for (size_t k = 0; k < numbersOf(line.count); ++k) {
+    if (format.size() > 1) line.count = numbersOf(format[1] - '0');
+    for (int k = 0; k < line.count; ++k) {
         if (line.kind == 'i') line.numbers.i[k] = support::leadingInteger(takePiece(text, ' '));
         if (line.kind == 'f') line.numbers.f[k] = support::leadingFloat(takePiece(text, ' '));
     }
@@ -88,7 +88,7 @@ StateLine parse(std::string_view text) {
 char* writeStateLine(char* place, unsigned int uid, Type type, const SubstanceInput::IntOrFloat& value) {
     const bool holdsInts = (type & 0x20) != 0;
     if (!holdsInts && (type & 0x10) == 0) return place;
-    const size_t count = numbersOf(type & 7);
+    const int count = numbersOf(type & 7);
     place = std::to_chars(place, place + longestInt, uid).ptr;
     *place++ = 'd';
     *place++ = ' ';

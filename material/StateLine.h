@@ -17,12 +17,12 @@ char* writeStateLine(char* place, unsigned int uid, Type type, const SubstanceIn
 struct StateLine {
     unsigned int uid = 0;
     char kind = '\0'; // 'i' for ints and 'f' for floats; a line of any other has no numbers
-    int count = 0;    // of numbers, as the line gives it: whatever is not 2 to 4 is one number
+    int count = 1;    // of numbers, 1 to 4
     SubstanceInput::IntOrFloat numbers{};
 };
 
 // Cuts the first line off the text, which is not empty, with its line feed. Any line can be read: what is
-// missing or no number is 0, and what follows is ignored.
+// missing or no number is 0, what follows is ignored, and a count that is not 2 to 4 is one.
 StateLine takeStateLine(std::string_view& text);
 
 // Cuts the piece before the first separator off, with the separator; without one, all of it.

@@ -18,6 +18,8 @@ void Substance::listenTo(SubstanceEntity& entity) {
 
 // Whatever needs memory comes first, so that a material that runs out of it is as it was: but for a uid that
 // stands for no entity, which nobody sees.
+// A second input of one identifier takes the place of the first by name, and both stay by uid. On purpose: a
+// stack of two graphs may have both, and hosts know inputs by their names.
 SubstanceInput* Substance::newInput(unsigned int inputUid, const kvString::CString& inputIdentifier,
                                     Type type) {
     const kv::Reference<SubstanceInput> input(new SubstanceInput(this, inputUid, inputIdentifier, type));

@@ -101,7 +101,7 @@ public:
     /// The values of all inputs but images as text, to be stored and applied again later: the package URL,
     /// then one line for each input, each ended by a line feed.
     ///
-    ///     pkg:/brick
+    ///     pkg://brick
     ///     7d f2 0.500000 1.000000
     ///     9d i1 3
     ///

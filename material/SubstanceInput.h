@@ -34,8 +34,8 @@ public:
     Type getType() const { return type; } ///< Never changes.
 
     /// @{
-    /// Texts for people, empty when the package has none. The reference is valid as long as the input lives,
-    /// and shows later changes.
+    /// Texts for people, empty when the package has none or gives the input no known widget. The reference is
+    /// valid as long as the input lives, and shows later changes.
     const kvString::IString& getLabel() const { return label; }
     const kvString::IString& getDescription() const { return description; }
     /// @}
@@ -64,7 +64,8 @@ public:
     /// @}
 
     /// On purpose unlike its siblings: a fourth value that differs from slot 3 goes to slot 2, over the
-    /// third. Slot 3 is never written. To set four integers call setValueI for each.
+    /// third. Slot 3 is never written, so such a call always tells the listeners. To set four integers call
+    /// setValueI for each.
     void setValue4I(int a, int b, int c, int d);
 
     /// @{

@@ -3,7 +3,7 @@
 ///
 ///     <sbsdescription content="full">
 ///       <graphs count="1">
-///         <graph pkgurl="pkg:/brick" label="Brick">
+///         <graph pkgurl="pkg://brick" label="Brick">
 ///           <outputs>
 ///             <output uid="1" identifier="basecolor" format="0" width="512" height="512" mipmaps="1"/>
 ///           </outputs>
@@ -17,8 +17,10 @@
 ///       </graphs>
 ///     </sbsdescription>
 ///
-/// Only the first graph is read. Uids, identifiers, types, formats and sizes are required; defaults, altered
-/// outputs and the GUI are not.
+/// Only the first graph is read. What stands above is required, but for the elements inside both lists, for
+/// defaults, altered outputs and the GUI, of which the widget is required. An output may also have
+/// dynamicsize="yes". Type codes are those of platform/engine.h (SubstanceInputFloat and so on); any other is
+/// a float.
 #pragma once
 
 #include "material/SubstanceInput.h"

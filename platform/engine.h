@@ -6,9 +6,10 @@
 /// Null contexts, handles and pointers are refused with non-zero (null), and every out-parameter is set on
 /// failure too. None throws.
 ///
-/// A handle belongs to one thread at a time. The completion callback may come from any thread, but only while
-/// substanceHandleStart runs. substanceContextMemoryFree is safe from any thread at any time, also after the
-/// context was released: its memory lives until the last buffer is freed.
+/// A handle belongs to one thread at a time, and of a context's handles one is used at a time. The completion
+/// callback may come from any thread, but only while substanceHandleStart runs. substanceContextMemoryFree is
+/// safe from any thread at any time, also after the context was released: its memory lives until the last
+/// buffer is freed.
 ///
 /// The order of calls:
 ///
@@ -85,7 +86,7 @@ typedef struct SubstanceTexture_ {
     unsigned short level0Height; ///< Of the full-size level, in pixels.
     unsigned char pixelFormat;   ///< A format code.
     unsigned char channelsOrder; ///< 0: red, green, blue, alpha.
-    unsigned char mipmapCount;   ///< Levels in the buffer, at least 1; each half the one before.
+    unsigned char mipmapCount;   ///< Levels in the buffer, at least 1; sides halve, down to 1.
 } SubstanceTexture;
 
 /// An image handed to an image input: the same layout, read at once and then no more. Null pixels are no

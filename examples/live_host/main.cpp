@@ -83,9 +83,9 @@ public:
     // for it.
     void refresh() {
         if (!isStale) return;
-        isStale = false;
         const kv::TempReference<ilSIDImage> texture = kvSubstance::getTextureFromSubstance(material.get());
         if (!texture) throw std::runtime_error("\"" + name + "\" has no texture");
+        isStale = false;
         const ilSize size = texture->getSize();
         const unsigned char* const pixels = texture->getBytes();
         const size_t numPixels = static_cast<size_t>(size.x) * static_cast<size_t>(size.y);

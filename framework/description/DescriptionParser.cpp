@@ -56,7 +56,7 @@ bool readGraph(const TiXmlElement& element, GraphDesc& graph) {
 
 // Room is reserved for as many graphs as the document announces. When it announces too few, the list grows by
 // copying, and the graphs in it lose their presets and their parent, as copies do. Kept: hosts rely on the
-// rule that only announced graphs are complete.
+// rule that a list that is as long as announced loses nothing.
 void readGraphs(const TiXmlElement& list, PackageDesc& package, std::vector<GraphDesc>& graphs) {
     graphs.reserve(roomForChildren(list, "graph"));
     forEachChild(list, "graph", [&](const TiXmlElement& element) {

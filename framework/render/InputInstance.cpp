@@ -96,6 +96,7 @@ bool InputInstanceNumerical<T>::setValueFromText(const std::string& text) {
     return true;
 }
 
+// A NaN is a change, also over a NaN: on purpose, setters compare numbers and hosts count on what they tell.
 template <class T>
 void InputInstanceNumerical<T>::setValue(const T& newValue) {
     if (newValue == current) return;

@@ -55,7 +55,8 @@ TEST(Emission, LetsGoOfTheConnectionWhenACallbackThrows) {
         EXPECT_EQ(input->getValueI(0), value);
     }
     // Another thread gets the connection's lock: a forgotten one would hold it for ever.
-    kvRTB::SignalItem* const item = kvRTB::SignalWalk(input->getModifiedSignal()).first();
+    kvRTB::SignalWalk walk(input->getModifiedSignal());
+    kvRTB::SignalItem* const item = walk.first();
     std::thread([item] { item->lock(), item->unlock(); }).join();
 }
 

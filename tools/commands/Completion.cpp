@@ -39,8 +39,7 @@ void printBashCompletion(const CLI::App& app) {
     std::string commands;
     for (const CLI::App* const command : commandsOf(app))
         commands += (commands.empty() ? "" : " ") + command->get_name();
-    std::cout << "# Completion of kvsubstance for bash; zsh takes it after \"autoload bashcompinit; "
-                 "bashcompinit\".\n"
+    std::cout << "# Completion of kvsubstance for bash.\n"
                  "_kvsubstance() {\n"
                  "    local word=${COMP_WORDS[COMP_CWORD]} options= files=\n"
                  "    if ((COMP_CWORD == 1)); then\n"
@@ -71,8 +70,7 @@ void printBashCompletion(const CLI::App& app) {
 } // namespace
 
 void addCompletion(CLI::App& app, int&) {
-    CLI::App* const command =
-        app.add_subcommand("completion", "Print the completion script for bash and zsh");
+    CLI::App* const command = app.add_subcommand("completion", "Print the completion script for bash");
     command->footer("Example: source <(kvsubstance completion)");
     command->callback([&app] { printBashCompletion(app); });
 }

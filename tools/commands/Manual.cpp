@@ -81,7 +81,8 @@ void printManual(const CLI::App& app) {
            "it anew fails.\n"
            ".SH ENVIRONMENT\n"
            ".TP\n.B KVSUBSTANCE_ENGINE_MEMORY\n"
-           "Mebibytes that the engine may use for images; 512 when it is not set.\n"
+           "Mebibytes of images that the engine keeps, 0 to 1048576; 0 keeps none between runs, 512 when it "
+           "is\nnot set or no such number. A run may need more.\n"
            ".TP\n.B KVSUBSTANCE_INSTRUCTION_SET\n"
            "Keeps the engine to \\fBbaseline\\fR, \\fBavx2\\fR or \\fBavx512\\fR. The pictures are the same "
            "bytes.\n";
