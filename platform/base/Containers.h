@@ -6,7 +6,7 @@
 
 #include <boost/unordered/unordered_flat_map.hpp>
 
-#include <list>
+#include <deque>
 #include <utility>
 #include <vector>
 
@@ -28,8 +28,7 @@ struct UnsignedHash {
 };
 
 /// A hash table that is walked in the order in which its keys were first inserted. Items stay where they are
-/// until the table is cleared: a walk may insert, and then comes to what it has inserted. One thread at a
-/// time, unless all only read.
+/// until the table is cleared. One thread at a time, unless all only read.
 template <class Key, class Value, class Hash>
 class HashTable {
 public:
@@ -38,6 +37,10 @@ public:
         Key key;     ///< Not to be changed.
         Value value; ///< Free to be changed.
     };
+
+    HashTable() = default;
+    HashTable(const HashTable&) = delete;
+    HashTable& operator=(const HashTable&) = delete;
 
     /// The key's value, a fresh one if the key is new. Valid until the table is cleared. Throws
     /// std::bad_alloc, and the table is then as it was.
@@ -64,23 +67,24 @@ public:
     int count() const { return static_cast<int>(items.size()); }
 
     /// @{
-    /// A walk over the items, by the first insertion of each key.
+    /// A walk over the items, by the first insertion of each key. Nothing may be inserted meanwhile.
     auto begin() { return items.begin(); }
     auto end() { return items.end(); }
     auto begin() const { return items.begin(); }
     auto end() const { return items.end(); }
     /// @}
 
-    /// The table is empty before its values die, so that what their end sets off finds nothing here.
+    /// The table is empty before its values die, so that what their end sets off finds nothing here. Throws
+    /// std::bad_alloc, and the table is then as it was.
     void clear() {
-        std::list<Item> dying;
+        std::deque<Item> dying; // even an empty one takes memory
         places.clear();
         items.swap(dying);
     }
 
 private:
     boost::unordered_flat_map<Key, Item*, Hash> places;
-    std::list<Item> items;
+    std::deque<Item> items;
 };
 
 /// By identifier.
