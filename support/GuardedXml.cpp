@@ -60,6 +60,9 @@ public:
         return isWithinLimits;
     }
 
+    // The start tag that is beyond the limits, once they are exceeded.
+    const char* excess() const { return isWithinLimits ? nullptr : lastStartTag; }
+
     bool isElementWithinLimits(const char* text) {
         const char* place = skipBlanks(text);
         if (place && *place == '<') place = readStartTag(place);
@@ -106,6 +109,7 @@ private:
     }
 
     const char* readStartTag(const char* place) {
+        lastStartTag = place;
         isWithinLimits = depth < maxXmlDepth;
         place = readTagName(skipBlanks(place + 1));
         for (int attributes = 0; isWithinLimits; ++attributes) {
@@ -179,6 +183,7 @@ private:
     TiXmlEncoding encoding;
     int depth = 0;
     bool isWithinLimits = true;
+    const char* lastStartTag = nullptr;
 };
 
 } // namespace
@@ -202,6 +207,12 @@ std::unique_ptr<TiXmlDocument> parseXmlDocument(const GuardedText& text, TiXmlEn
     document->SetTabSize(0);
     if (!document->Parse(text.c_str(), nullptr, encoding) || document->Error()) return nullptr;
     return document;
+}
+
+const char* findXmlExcess(const GuardedText& text) {
+    StructureScan scan(TIXML_ENCODING_UTF8);
+    scan.isDocumentWithinLimits(text.c_str());
+    return scan.excess();
 }
 
 bool parseXmlElement(const char* text, TiXmlElement& element) {

@@ -34,6 +34,10 @@ private:
 std::unique_ptr<TiXmlDocument> parseXmlDocument(const char* text, TiXmlEncoding encoding);
 std::unique_ptr<TiXmlDocument> parseXmlDocument(const GuardedText& text, TiXmlEncoding encoding);
 
+// Where the first element begins that is beyond the limits, in a UTF-8 text for whoever parses it without
+// this guard; null when there is none.
+const char* findXmlExcess(const GuardedText& text);
+
 // Reads the element that a text begins with, as UTF-8; what follows it is ignored. False when it cannot be
 // read, in the cases above: the element is then an empty one without a name.
 bool parseXmlElement(const char* text, TiXmlElement& element);

@@ -36,16 +36,27 @@ bool flushToDisk(std::FILE* file) {
 #endif
 }
 
-// The file that a name stands for, once its links are followed.
-fs::path destination(const std::string& path) {
-    std::error_code error;
-    const fs::path given = pathOf(path);
-    const fs::path target = fs::is_symlink(given, error) ? fs::weakly_canonical(given, error) : given;
-    return error ? given : target;
-}
-
 fs::path folderOf(const fs::path& target) {
     return target.has_parent_path() ? target.parent_path() : fs::path(".");
+}
+
+// The file that a name stands for, once its links are followed; the last of them may lead to none yet.
+fs::path destination(const std::string& path) {
+    constexpr int mostLinks = 40;
+    fs::path target = pathOf(path);
+    std::error_code error;
+    for (int links = 0; fs::is_symlink(target, error); ++links) {
+        if (links == mostLinks) fail(path, "it is a link that leads nowhere");
+        target = folderOf(target) / fs::read_symlink(target, error);
+        if (error) fail(path, error.message());
+    }
+    return target;
+}
+
+bool isSameFile(const fs::path& a, const fs::path& b) {
+    std::error_code error;
+    if (fs::equivalent(a, b, error) && !error) return true;
+    return fs::weakly_canonical(a, error) == fs::weakly_canonical(b, error) && !error;
 }
 
 fs::path temporaryBeside(const fs::path& target) {
@@ -86,7 +97,8 @@ int writeAndFlush(const fs::path& path, std::string_view bytes) {
 
 } // namespace
 
-void checkDestination(const std::string& path) {
+void checkDestination(const std::string& path, const std::vector<std::string>& needed) {
+    if (path.empty()) throw UsageError("the name of a file to write is empty");
     const fs::path target = destination(path);
     std::error_code error;
     const fs::file_status status = fs::status(target, error);
@@ -94,6 +106,9 @@ void checkDestination(const std::string& path) {
     if (fs::exists(status) && !fs::is_regular_file(status)) fail(path, "it is no ordinary file");
     if (!fs::is_directory(folderOf(target), error))
         fail(path, "there is no folder " + textOf(folderOf(target)) + "; create it first");
+    for (const std::string& other : needed)
+        if (!other.empty() && isSameFile(target, pathOf(other)))
+            fail(path, "the command needs " + other + " itself; name another file");
 }
 
 void writeFileAtomically(const std::string& path, std::string_view bytes) {

@@ -74,6 +74,26 @@ std::string shortened(const std::string& label, size_t length) {
     return label.size() <= length ? label : label.substr(0, length - 2) + "..";
 }
 
+struct SheetSize {
+    long long width;
+    long long height;
+};
+
+SheetSize sizeOf(int count, int columns, int side, int cellHeight) {
+    const int rows = (count + columns - 1) / columns;
+    const SheetSize size{margin + static_cast<long long>(columns) * (side + margin),
+                         margin + static_cast<long long>(rows) * (cellHeight + margin)};
+    if (size.width > maxPictureSide || size.height > maxPictureSide)
+        throw Failure("the contact sheet would be " + std::to_string(size.width) + " by " +
+                      std::to_string(size.height) + " pixels, and at most " + std::to_string(maxPictureSide) +
+                      " a side are possible; take fewer pictures, other columns or smaller thumbnails");
+    return size;
+}
+
+int cellHeightFor(int side, int scale) {
+    return side + labelMargin + scale * fontHeight;
+}
+
 } // namespace
 
 Picture makeThumbnail(const Picture& picture, int side) {
@@ -95,24 +115,21 @@ Picture makeThumbnail(const Picture& picture, int side) {
     return thumbnail;
 }
 
+void checkContactSheet(int count, int side, int columns) {
+    sizeOf(count, columns > 0 ? columns : chooseColumns(count), side, cellHeightFor(side, 1));
+}
+
 Picture makeContactSheet(const std::vector<SheetEntry>& entries, int side, int columns) {
     const int count = static_cast<int>(entries.size());
     if (columns <= 0) columns = chooseColumns(count);
-    const int rows = (count + columns - 1) / columns;
 
     // Large letters when all labels have room.
     size_t longest = 0;
     for (const SheetEntry& entry : entries) longest = std::max(longest, entry.label.size());
     const int scale = longest * 2 * fontAdvance <= static_cast<size_t>(side) ? 2 : 1;
     const size_t room = std::max<size_t>(3, static_cast<size_t>(side / (scale * fontAdvance)));
-    const int cellHeight = side + labelMargin + scale * fontHeight;
-
-    const long long width = margin + static_cast<long long>(columns) * (side + margin);
-    const long long height = margin + static_cast<long long>(rows) * (cellHeight + margin);
-    if (width > maxPictureSide || height > maxPictureSide)
-        throw Failure("the contact sheet would be " + std::to_string(width) + " by " +
-                      std::to_string(height) + " pixels; at most " + std::to_string(maxPictureSide) +
-                      " a side are possible");
+    const int cellHeight = cellHeightFor(side, scale);
+    const auto [width, height] = sizeOf(count, columns, side, cellHeight);
     Picture sheet(static_cast<int>(width), static_cast<int>(height));
     for (size_t i = 0; i < sheet.rgba.size(); ++i) sheet.rgba[i] = i % 4 == 3 ? 255 : backgroundGray;
 

@@ -19,6 +19,9 @@ struct SheetEntry {
     Picture thumbnail; // no larger than the sheet's side
 };
 
+// Throws Failure when a sheet of so many would be larger than maxPictureSide, whatever the labels.
+void checkContactSheet(int count, int side, int columns);
+
 // Entries run in rows from the upper left. Columns 0: as many as make a well-filled, rather wide sheet.
 // Throws Failure when the sheet would be larger than maxPictureSide.
 Picture makeContactSheet(const std::vector<SheetEntry>& entries, int side, int columns = 0);

@@ -15,7 +15,10 @@ kv::vector<char> readFileContent(const std::string& path) {
     std::error_code error;
     const fs::file_status status = fs::status(pathOf(path), error);
     if (path == "-") throw Failure("-: standard input is not read; name a file");
-    if (!fs::exists(status)) throw Failure(path + ": cannot be read: there is no such file");
+    if (!fs::exists(status))
+        throw Failure(
+            path + ": cannot be read: " +
+            (status.type() == fs::file_type::not_found ? "there is no such file" : error.message()));
     if (fs::is_directory(status)) throw Failure(path + ": cannot be read: it is a folder");
     if (!fs::is_regular_file(status))
         throw Failure(path + ": cannot be read: it is no ordinary file; store what it gives in one");

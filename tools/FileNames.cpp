@@ -25,7 +25,8 @@ std::string lowered(std::string text) {
 void makeFolder(const std::string& path) {
     std::error_code error;
     std::filesystem::create_directories(pathOf(path), error);
-    if (!std::filesystem::is_directory(pathOf(path)))
+    std::error_code ignored;
+    if (!std::filesystem::is_directory(pathOf(path), ignored))
         throw Failure(path + ": the folder cannot be created" + (error ? ": " + error.message() : ""));
 }
 

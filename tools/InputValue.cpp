@@ -6,6 +6,7 @@
 #include "tools/Failure.h"
 
 #include <algorithm>
+#include <iostream>
 #include <optional>
 
 namespace tool {
@@ -13,6 +14,11 @@ namespace {
 
 using embedded::Value;
 using kvSubstance::SubstanceInput;
+
+// What fills a position that no choice stands at.
+bool isFiller(const kvString::IString& item) {
+    return textOf(item) == "-";
+}
 
 bool holdsInts(const SubstanceInput& input) {
     return (input.getType() & 0x20) != 0;
@@ -58,16 +64,20 @@ std::string expectation(SubstanceInput& input) {
     if (const auto lowest = lowerBound(input)) text += ", from " + embedded::formatValue(*lowest);
     if (const auto highest = upperBound(input)) text += ", up to " + embedded::formatValue(*highest);
     const auto& items = input.getComboItem();
-    for (size_t i = 0; i < items.size(); ++i)
-        text +=
-            (i ? ", " : "; the choices are ") + std::to_string(i) + " " + embedded::quoted(textOf(items[i]));
+    const char* before = "; the choices are ";
+    for (size_t i = 0; i < items.size(); ++i) {
+        if (isFiller(items[i])) continue;
+        text += before + std::to_string(i) + " " + embedded::quoted(textOf(items[i]));
+        before = ", ";
+    }
     return text;
 }
 
 std::optional<Value> parseChoice(SubstanceInput& input, std::string_view text) {
     const auto& items = input.getComboItem();
     for (size_t i = 0; input.isCombo() && i < items.size(); ++i)
-        if (kvString::CString(std::string(text).c_str()).compareNoCase(textOf(items[i]).c_str()) == 0) {
+        if (!isFiller(items[i]) &&
+            kvString::CString(std::string(text).c_str()).compareNoCase(textOf(items[i]).c_str()) == 0) {
             Value value;
             value.type = embedded::ValueType::Integer;
             value.integers[0] = static_cast<std::int32_t>(i);
@@ -77,8 +87,9 @@ std::optional<Value> parseChoice(SubstanceInput& input, std::string_view text) {
 }
 
 bool isChoice(SubstanceInput& input, const Value& value) {
-    return !input.isCombo() || input.getComboItem().empty() ||
-           (value.integers[0] >= 0 && static_cast<size_t>(value.integers[0]) < input.getComboItem().size());
+    const auto& items = input.getComboItem();
+    const auto index = static_cast<size_t>(value.integers[0]); // beyond all of them, when it is below zero
+    return !input.isCombo() || items.empty() || (index < items.size() && !isFiller(items[index]));
 }
 
 } // namespace
@@ -127,9 +138,12 @@ SubstanceInput& requireInput(const kvSubstance::Substance& material, const std::
                   embedded::suggestion(identifier, identifiers));
 }
 
-bool isAmbiguous(const kvSubstance::Substance& material, const std::string& identifier) {
+void noteIfAmbiguous(const kvSubstance::Substance& material, const std::string& identifier,
+                     const std::string& place) {
     const auto& ids = material.getInputIds();
-    return std::count(ids.begin(), ids.end(), kvString::CString(identifier.c_str())) > 1;
+    if (std::count(ids.begin(), ids.end(), kvString::CString(identifier.c_str())) < 2) return;
+    std::cerr << "note: " << place
+              << ": several inputs have that name; one of them is set, or none if their types differ\n";
 }
 
 } // namespace tool

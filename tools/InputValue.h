@@ -27,8 +27,9 @@ void setInputValue(const kv::Reference<kvSubstance::Substance>& material, kvSubs
 kvSubstance::SubstanceInput& requireInput(const kvSubstance::Substance& material,
                                           const std::string& identifier, const std::string& place);
 
-// Whether both packages brought an input of that identifier. The library carries values to the engine's side
-// by identifier, and reaches only one of the two.
-bool isAmbiguous(const kvSubstance::Substance& material, const std::string& identifier);
+// Prints a note when several inputs have the identifier. The library carries values to the engine's side by
+// identifier, and reaches one of them, or, where their types differ, none.
+void noteIfAmbiguous(const kvSubstance::Substance& material, const std::string& identifier,
+                     const std::string& place);
 
 } // namespace tool

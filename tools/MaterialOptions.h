@@ -10,6 +10,7 @@
 #include <CLI/App.hpp>
 
 #include <string>
+#include <vector>
 
 namespace tool {
 
@@ -20,6 +21,7 @@ struct MaterialOptions {
     ValueOptions values;
 
     void addTo(CLI::App& command);
+    std::vector<std::string> files() const { return {bottom, top, values.stateFile}; } // some may be empty
 };
 
 // Throws UsageError and Failure; remarks go to standard error.

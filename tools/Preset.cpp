@@ -30,8 +30,9 @@ bool removePrefix(std::string& name, const std::string& prefix) {
 
 const Preset& choosePreset(const std::string& wanted, const MaterialGraphs& graphs) {
     std::string label = wanted;
-    const bool isBottom = removePrefix(label, "bottom:");
-    const bool isTop = !isBottom && removePrefix(label, "top:");
+    const bool isWhole = findPreset(graphs.bottom, wanted) || findPreset(graphs.top, wanted);
+    const bool isBottom = !isWhole && removePrefix(label, "bottom:");
+    const bool isTop = !isWhole && !isBottom && removePrefix(label, "top:");
     const Preset* const ofBottom = isTop ? nullptr : findPreset(graphs.bottom, label);
     const Preset* const ofTop = isBottom ? nullptr : findPreset(graphs.top, label);
     if (ofBottom && ofTop)

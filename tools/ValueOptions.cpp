@@ -3,6 +3,7 @@
 #include "bridge/Synchronisation.h"
 #include "embedded/compiler/Literal.h"
 #include "embedded/compiler/Suggestion.h"
+#include "support/Numbers.h"
 #include "tools/Failure.h"
 #include "tools/FileContent.h"
 #include "tools/InputValue.h"
@@ -10,6 +11,7 @@
 
 #include <iostream>
 #include <optional>
+#include <sstream>
 
 namespace tool {
 namespace {
@@ -45,6 +47,39 @@ bool speaksOf(const std::string& url, const std::string& material, bool isStack)
             url.compare(url.size() - material.size() - 1, std::string::npos, "/" + material) == 0);
 }
 
+// Whether the line is one that a saved state has: "17d f2 0.5 1".
+bool isStateLine(const std::string& line) {
+    std::istringstream pieces(line);
+    std::string uid, format;
+    pieces >> uid >> format;
+    unsigned int number = 0;
+    if (uid.empty() || uid.back() != 'd' || !support::convertWhole(uid.substr(0, uid.size() - 1), number))
+        return false;
+    if (format.size() != 2 || (format[0] != 'i' && format[0] != 'f') || format[1] < '1' || format[1] > '4')
+        return false;
+    int count = 0;
+    for (std::string piece; pieces >> piece; ++count) {
+        float real = 0;
+        int whole = 0;
+        if (format[0] == 'i' ? !support::convertWhole(piece, whole) : !support::convertWhole(piece, real))
+            return false;
+    }
+    return count == format[1] - '0';
+}
+
+// The library passes over what it cannot read.
+void checkStateLines(const std::string& path, std::string_view text) {
+    std::istringstream lines{std::string(text)};
+    std::string line;
+    for (int number = 1; std::getline(lines, line); ++number) {
+        if (!line.empty() && line.back() == '\r') line.pop_back();
+        if (number > 1 && !line.empty() && !isStateLine(line))
+            throw Failure(path + ":" + std::to_string(number) + ": " + embedded::quoted(line.substr(0, 80)) +
+                          " is no value; expected a line such as \"17d f2 0.5 1\", as \"render "
+                          "--save-state\" writes it");
+    }
+}
+
 void applyState(const std::string& path, const MaterialReference& material, bool isStack) {
     const kv::vector<char> content = readFileContent(path);
     const std::string_view text = asText(content);
@@ -57,6 +92,7 @@ void applyState(const std::string& path, const MaterialReference& material, bool
         throw Failure(path + ":1: the values are those of " + embedded::quoted(header.substr(0, 80)) +
                       ", but the material is " + embedded::quoted(url));
     }
+    checkStateLines(path, text);
     const std::string state = url + std::string(text.substr(headerSize));
     material->applyStateString(kvString::CString(state.data(), state.size()));
 }
@@ -65,9 +101,7 @@ void applyAssignment(const std::string& assignment, const MaterialReference& mat
     const auto [identifier, text] = splitAssignment(assignment, "--set", "");
     const std::string place = "--set " + identifier;
     kvSubstance::SubstanceInput& input = requireInput(*material, identifier, place);
-    if (isAmbiguous(*material, identifier))
-        std::cerr << "note: " << place
-                  << ": both packages have an input of that name, and only one of them is set\n";
+    noteIfAmbiguous(*material, identifier, place);
     setInputValue(material, input, parseInputValue(input, text, place));
 }
 

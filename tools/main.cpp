@@ -67,7 +67,10 @@ int runCommandLine(int argc, char** argv) {
     return status;
 }
 
-int report(const std::string& message, int status) {
+// One line, whatever names of files and inputs hold.
+int report(std::string message, int status) {
+    for (char& c : message)
+        if (static_cast<unsigned char>(c) < ' ') c = '?';
     std::cerr << "error: " << message << "\n";
     return status;
 }
@@ -97,7 +100,8 @@ int main(int argc, char** argv) {
     } catch (const tool::UsageError& error) {
         return report(error.what(), tool::BadUsage);
     } catch (const std::bad_alloc&) {
-        return report("there is not enough memory; try a smaller --size", tool::Failed);
+        return report("there is not enough memory; try smaller sizes, or fewer or smaller pictures",
+                      tool::Failed);
     } catch (const std::exception& error) {
         return report(error.what(), tool::Failed);
     }

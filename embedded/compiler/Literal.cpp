@@ -53,7 +53,7 @@ std::optional<Value> parseColour(ValueType type, std::string_view text) {
 template <typename Number, typename Parse>
 bool parseComponents(const std::vector<std::string_view>& pieces, std::size_t count,
                      std::array<Number, 4>& components, Parse parse) {
-    const bool addsFourth = pieces.size() == 3 && count == 4;
+    const bool addsFourth = std::is_same_v<Number, float> && pieces.size() == 3 && count == 4;
     if (pieces.size() != count && pieces.size() != 1 && !addsFourth) return false;
     if (addsFourth) components[3] = Number{1};
     for (std::size_t i = 0; i < (addsFourth ? 3 : count); ++i) {

@@ -56,7 +56,8 @@ struct SourcePreset {
         std::size_t input = 0; // index in the graph
         Value value;
     };
-    std::string label;
+    SourcePlace place;
+    std::string label; // of no other preset in the graph
     std::string description;
     std::vector<Setting> settings;
 };

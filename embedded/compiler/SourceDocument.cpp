@@ -1,5 +1,7 @@
 #include "embedded/compiler/SourceDocument.h"
 
+#include "support/GuardedXml.h"
+
 #include <algorithm>
 #include <optional>
 #include <string>
@@ -41,62 +43,6 @@ std::optional<std::size_t> findBadCharacter(std::string_view source) {
     return std::nullopt;
 }
 
-// Walks over the tags as TinyXML will, without recursion. What is ill-formed is left to TinyXML, which stops
-// there.
-class NestingGuard {
-public:
-    explicit NestingGuard(std::string_view checked)
-        : source(checked) {}
-
-    // Where the limits are exceeded.
-    std::optional<std::size_t> findExcess() {
-        while (position < source.size()) {
-            if (source[position] != '<') {
-                ++position;
-            } else if (startsWith("<!--")) {
-                skipPast("-->");
-            } else if (startsWith("<![CDATA[")) {
-                skipPast("]]>");
-            } else if (startsWith("</")) {
-                if (depth > 0) --depth;
-                skipPast(">");
-            } else if (startsWith("<!") || startsWith("<?")) {
-                skipPast(">");
-            } else {
-                const std::size_t start = position;
-                if (!passTag()) return start;
-            }
-        }
-        return std::nullopt;
-    }
-
-private:
-    bool startsWith(std::string_view text) const { return source.substr(position, text.size()) == text; }
-
-    void skipPast(std::string_view text) {
-        const auto found = source.find(text, position);
-        position = found == std::string_view::npos ? source.size() : found + text.size();
-    }
-
-    bool passTag() {
-        std::size_t attributes = 0;
-        for (++position; position < source.size() && source[position] != '>'; ++position) {
-            if (source[position] != '=') continue;
-            if (++attributes > maxSourceAttributes) return false;
-            const auto value = source.find_first_not_of(" \t\r\n", position + 1);
-            if (value == std::string_view::npos || (source[value] != '"' && source[value] != '\'')) continue;
-            position = std::min(source.find(source[value], value + 1), source.size() - 1);
-        }
-        const bool closesItself = position < source.size() && source[position - 1] == '/';
-        if (!closesItself) ++depth;
-        return depth <= maxSourceDepth;
-    }
-
-    std::string_view source;
-    std::size_t position = 0;
-    std::size_t depth = 0;
-};
-
 } // namespace
 
 std::unique_ptr<TiXmlDocument> parseSource(std::string_view source, Diagnostics& diagnostics) {
@@ -108,17 +54,25 @@ std::unique_ptr<TiXmlDocument> parseSource(std::string_view source, Diagnostics&
         diagnostics.error(placeAt(source, *bad), "file", "is not UTF-8 here; save the source as UTF-8");
         return nullptr;
     }
-    if (const auto excess = NestingGuard(source).findExcess()) {
-        diagnostics.error(placeAt(source, *excess), "file",
+    const support::GuardedText text(std::string(source).c_str());
+    const auto placeOf = [&](const char* position) {
+        return placeAt(source, std::min(static_cast<std::size_t>(position - text.c_str()), source.size()));
+    };
+    if (const char* const excess = support::findXmlExcess(text)) {
+        diagnostics.error(placeOf(excess), "file",
                           "elements are nested too deeply, or have too many attributes");
         return nullptr;
     }
     auto document = std::make_unique<TiXmlDocument>();
     document->SetTabSize(1);
-    document->Parse((std::string(source) + "\n").c_str(), nullptr, TIXML_ENCODING_UTF8);
+    const char* const end = document->Parse(text.c_str(), nullptr, TIXML_ENCODING_UTF8);
     if (document->Error()) {
         const SourcePlace place{std::max(1, document->ErrorRow()), std::max(1, document->ErrorCol())};
         diagnostics.error(place, "file", std::string("is not well-formed XML: ") + document->ErrorDesc());
+        return nullptr;
+    }
+    if (end && *end) {
+        diagnostics.error(placeOf(end), "file", "there may be no text outside of the root element");
         return nullptr;
     }
     return document;

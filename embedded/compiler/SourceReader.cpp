@@ -65,6 +65,7 @@ SourceOutput readOutput(const TiXmlElement& element, Diagnostics& diagnostics) {
 SourcePreset readPreset(const TiXmlElement& element, const SourceGraph& graph, Diagnostics& diagnostics) {
     ElementReader reader(element, diagnostics);
     SourcePreset preset;
+    preset.place = reader.place();
     if (const auto label = reader.require("label")) {
         preset.label = label->value;
         reader.setName(preset.label);
@@ -101,7 +102,12 @@ SourcePreset readPreset(const TiXmlElement& element, const SourceGraph& graph, D
 template <typename Item>
 void add(std::vector<Item>& items, Item item, std::string Item::*name, const char* what,
          Diagnostics& diagnostics) {
-    if (const Item* first = findNamed(items, name, item.*name))
+    if (items.size() > maxProgramNodes) return; // said already
+    if (items.size() == maxProgramNodes)
+        diagnostics.error(item.place, "file",
+                          "has more than " + std::to_string(maxProgramNodes) +
+                              " of one kind of element here");
+    else if (const Item* first = findNamed(items, name, item.*name))
         diagnostics.error(item.place, std::string(what) + " " + quoted(item.*name),
                           "this name is taken by line " + std::to_string(first->place.line));
     items.push_back(std::move(item));
@@ -134,7 +140,8 @@ SourceGraph readGraph(const TiXmlElement& element, Diagnostics& diagnostics) {
             presets.push_back(child); // they may stand before the inputs that they name
     }
     for (const TiXmlElement* preset : presets)
-        graph.presets.push_back(readPreset(*preset, graph, diagnostics));
+        add(graph.presets, readPreset(*preset, graph, diagnostics), &SourcePreset::label, "preset",
+            diagnostics);
     if (graph.outputs.empty()) reader.error("needs at least one output element");
     return graph;
 }

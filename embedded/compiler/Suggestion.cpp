@@ -40,7 +40,10 @@ std::string joined(const std::vector<std::string>& names, const char* separator)
 } // namespace
 
 std::string quoted(std::string_view text) {
-    return "\"" + std::string(text) + "\"";
+    std::string line(text);
+    for (char& c : line)
+        if (static_cast<unsigned char>(c) < ' ') c = '?'; // messages are one line each
+    return "\"" + line + "\"";
 }
 
 std::string suggestion(std::string_view name, const std::vector<std::string>& realNames) {

@@ -84,8 +84,10 @@ private:
     }
 
     std::string unknownNode(const std::string& name) const {
+        // Where there are very many, looking for similar names each time would take longer than all else.
+        const bool hasMany = graph.nodes.size() > 1000;
         return quoted(name) + " is no node of this graph" +
-               suggestion(name, namesOf(graph.nodes, &SourceNode::name));
+               (hasMany ? "" : suggestion(name, namesOf(graph.nodes, &SourceNode::name)));
     }
 
     std::optional<std::size_t> wire(const SourceOutput& output) {
@@ -203,9 +205,16 @@ private:
                              quoted(attribute.value));
         const SourceAttribute* encoding = findAttribute(node, "encoding");
         const bool takesSrgb = encoding && encoding->value == "srgb";
+        if (isColourText(attribute.value) && encoding && encoding->value.find('{') != std::string::npos)
+            return error(node, attribute,
+                         "is a colour as people see it, while the encoding changes; write numbers, or drive "
+                         "the colour with an input");
         if (isColourText(attribute.value) && !takesSrgb) value = linearFromSrgb(*value);
+        const auto bound = [&](double number) { // as floats have it
+            return isInteger(info.type) ? number : static_cast<double>(static_cast<float>(number));
+        };
         for (int i = 0; i < componentCount(info.type); ++i)
-            if (component(*value, i) < info.minimum || component(*value, i) > info.maximum)
+            if (component(*value, i) < bound(info.minimum) || component(*value, i) > bound(info.maximum))
                 return error(node, attribute,
                              "lies outside the range from " + formatNumber(info.minimum) + " to " +
                                  formatNumber(info.maximum));

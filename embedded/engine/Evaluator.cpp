@@ -26,7 +26,13 @@ public:
 
     Statistics run() {
         if (schedule_.peakBytes > workshop_.limit) throw std::bad_alloc();
-        for (const Group& group : schedule_.groups) runOne(group);
+        try {
+            for (const Group& group : schedule_.groups) runOne(group);
+        } catch (...) {
+            schedule_.images.clear();
+            makeRoom(0);
+            throw;
+        }
         schedule_.images.clear();
         if (workshop_.cache) remember();
         makeRoom(0);
@@ -76,19 +82,24 @@ private:
     }
 
     // Images of earlier runs go before a run fails.
-    std::shared_ptr<const Image> runWithMemory(const Group& group, const std::vector<TextureTarget>& targets,
-                                               GroupWork& work) {
-        const auto compute = [&] {
-            return runGroup(plan_, group, schedule_.images, targets, workshop_.memory, workshop_.runner,
-                            workshop_.segmentLength, work);
-        };
-        if (!workshop_.cache) return compute();
+    template <class Function>
+    auto withMemory(const Function& function) {
+        if (!workshop_.cache) return function();
         try {
-            return compute();
+            return function();
         } catch (const std::bad_alloc&) {
             workshop_.cache->giveUp(std::numeric_limits<std::uint64_t>::max());
-            return compute();
+            return function();
         }
+    }
+
+    std::shared_ptr<const Image> runWithMemory(const Group& group, const std::vector<TextureTarget>& targets,
+                                               GroupWork& work) {
+        return withMemory([&] {
+            work = {};
+            return runGroup(plan_, group, schedule_.images, targets, workshop_.memory, workshop_.runner,
+                            workshop_.segmentLength, work);
+        });
     }
 
     TextureTarget targetOf(const Showing& showing, const PlanNode& node) {
@@ -98,7 +109,7 @@ private:
             const std::int32_t code = program_.outputs[showing.output].format;
             texture.shape = {node.width, node.height, levels_[showing.output],
                              findPixelFormat(code).value_or(PixelFormat{})};
-            texture.bytes = receiver_.begin(showing.output, texture.shape);
+            texture.bytes = withMemory([&] { return receiver_.begin(showing.output, texture.shape); });
         }
         const PixelFormat format = texture.shape.format;
         return {format, texture.bytes +

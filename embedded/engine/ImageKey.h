@@ -19,8 +19,9 @@ struct ImageKey {
     }
 };
 
-// The XXH3 hash of these bytes: with 128 bits, two among a billion images have the same key once in 10^20
-// programs.
+// The XXH3 hash of these bytes under a secret of the process: with 128 bits, two among a billion images have
+// the same key once in 10^20 programs, and no program can be written so that two of its images have. Keys of
+// other processes are others.
 ImageKey keyOf(const std::vector<unsigned char>& bytes);
 
 } // namespace embedded

@@ -154,7 +154,9 @@ bool LinkedProgram::feed(std::size_t input, std::int32_t source) {
     noImage.constant.type = ValueType::Image;
     for (ProgramNode& node : merged.nodes) {
         if (!isBoundTo(node, input)) continue;
-        node.sources[*connectedPort(node)] = source;
+        std::int32_t& connected = node.sources[*connectedPort(node)];
+        if (connected == ProgramNode::unconnected)
+            connected = source; // what is connected comes before images
         for (Binding& binding : node.parameters)
             if (binding.input == static_cast<std::int32_t>(input)) binding = noImage;
     }

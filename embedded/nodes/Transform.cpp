@@ -33,7 +33,7 @@ struct Mapping {
             // images measured alike, so the turn is one of unit squares.
             xx = wholeNumber(scaleX * cosine);
             xy = wholeNumber(scaleX * sine);
-            yx = wholeNumber(scaleY * -sine);
+            yx = 0.0f - wholeNumber(scaleY * sine); // halves too, or a turn would become a shear
             yy = wholeNumber(scaleY * cosine);
         } else {
             const float aspect = static_cast<float>(run.width) / static_cast<float>(run.height);

@@ -59,11 +59,22 @@ TEST_F(Tool, RendersOnePackageOrTwo) {
     expectFailure(run("render bottom.kvpkg --channel glossiness -o none.png"));
 }
 
+// The constants of two graphs are chosen so that a hash with a known secret takes an image of the one, of
+// three channels, for one of the other, of four.
+TEST_F(Tool, ImagesAreNotMistakenForOthers) {
+    compilePackage("twins", given("twins.xml"));
+    const Outcome outcome = run("maps twins.kvpkg -o twins --size 256");
+    ASSERT_EQ(outcome.status, 0) << outcome.error;
+    EXPECT_NE(read("twins/three/diffuse.png"), read("twins/four/diffuse.png"));
+}
+
 TEST_F(Tool, FailedRenderSaysWhyKeepsTheOldPictureAndLeavesNothingBehind) {
     write("rendered.png", "old");
     write("noise.kvpkg", "no package");
     compilePackage("other", replaced(given("top.xml"), "\"Output\"", "\"Outptu\""));
     fs::create_directory(folder / "folder.png");
+    write("wrong.txt", "pkg://bottom/pkg://pass_through\n1d f2 5\n");
+    const std::string package = read("bottom.kvpkg");
     const std::pair<const char*, const char*> partsOfMessages[] = {
         {"noise.kvpkg", "noise.kvpkg: not a package"},
         {"bottom.xml", "kvsubstance compile"},
@@ -77,7 +88,10 @@ TEST_F(Tool, FailedRenderSaysWhyKeepsTheOldPictureAndLeavesNothingBehind) {
         {"bottom.kvpkg --set tint=1,2", "3 numbers"},
         {"bottom.kvpkg --set look=Noisi", "1 \"Noisy\""},
         {"bottom.kvpkg --set look=0.5", "whole number"},
-        {"bottom.kvpkg --preset Bleu", "\"Blue\""}};
+        {"bottom.kvpkg --preset Bleu", "\"Blue\""},
+        {"bottom.kvpkg -o bottom.kvpkg", "itself"},
+        {"bottom.kvpkg --save-state rendered.png", "itself"},
+        {"bottom.kvpkg --state wrong.txt", "wrong.txt:2: \"1d f2 5\""}};
     for (const auto& [arguments, message] : partsOfMessages) {
         SCOPED_TRACE(arguments);
         const bool isElsewhere = std::string(arguments).find("-o") != std::string::npos;
@@ -85,6 +99,10 @@ TEST_F(Tool, FailedRenderSaysWhyKeepsTheOldPictureAndLeavesNothingBehind) {
                       message);
         EXPECT_EQ(read("rendered.png"), "old");
     }
+    EXPECT_EQ(read("bottom.kvpkg"), package);
+    write("state.txt", "old"); // saved only with its picture
+    expectFailure(run("render bottom.kvpkg other.kvpkg -o rendered.png --save-state state.txt"));
+    EXPECT_EQ(read("state.txt"), "old");
     expectNothingLeftBehind();
 }
 

@@ -29,7 +29,7 @@ void printStatements(const std::vector<embedded::OutputStatement>& outputs) {
 }
 
 int run(const Options& options) {
-    checkDestination(options.package);
+    checkDestination(options.package, {options.source});
     const kv::vector<char> source = readFileContent(options.source);
     const embedded::CompileResult result = embedded::compilePackage(asText(source));
     for (const embedded::Diagnostic& diagnostic : result.diagnostics)

@@ -7,6 +7,7 @@
 #include "tools/PngFile.h"
 #include "tools/commands/Commands.h"
 
+#include <algorithm>
 #include <iostream>
 #include <memory>
 
@@ -27,17 +28,26 @@ std::string shortName(const GraphDesc& graph) {
     return graph.packageUrl.substr(graph.packageUrl.find_last_of("/:") + 1);
 }
 
+bool isShortNameUnique(const PackageFile& package, const GraphDesc& graph) {
+    const auto hasIt = [&](const GraphDesc& other) { return shortName(other) == shortName(graph); };
+    return std::count_if(package.graphs.begin(), package.graphs.end(), hasIt) == 1;
+}
+
 std::vector<const GraphDesc*> chooseGraphs(const PackageFile& package, const Options& options) {
     std::vector<const GraphDesc*> chosen;
     std::vector<std::string> names;
     for (const GraphDesc& graph : package.graphs) {
-        names.push_back(shortName(graph));
-        if (options.graph.empty() || options.graph == graph.packageUrl || options.graph == names.back())
-            chosen.push_back(&graph);
+        const bool isCalledSo = options.graph == graph.packageUrl || options.graph == shortName(graph);
+        if (options.graph.empty() || isCalledSo) chosen.push_back(&graph);
+        names.push_back(isShortNameUnique(package, graph) ? shortName(graph) : graph.packageUrl);
     }
     if (chosen.empty())
         throw Failure("--graph " + options.graph + ": " + package.name + " has no such graph" +
                       embedded::suggestion(options.graph, names));
+    if (chosen.size() > 1 && !options.graph.empty())
+        throw Failure("--graph " + options.graph + ": " + package.name +
+                      " has several graphs of that name; give the URL of one" +
+                      embedded::suggestion("", names));
     if (chosen.size() > 1 && options.values.areGiven())
         throw Failure(package.name +
                       ": has several graphs; choose the one that the values are for with --graph" +

@@ -9,6 +9,8 @@
 
 #include <iostream>
 #include <memory>
+#include <string>
+#include <vector>
 
 namespace tool {
 namespace {
@@ -21,13 +23,6 @@ struct Options {
     bool counts = false;
 };
 
-void saveState(kvSubstance::Substance& material, const std::string& path) {
-    const kvString::CString state = material.getStateString();
-    // The picture is that of the values as saved, whose floats have six decimals.
-    material.applyStateString(state);
-    writeFileAtomically(path, {state.asChar(), state.length()});
-}
-
 void printStatistics() {
     constexpr double mebibyte = 1 << 20;
     const embedded::Statistics statistics = embedded::statistics();
@@ -38,13 +33,18 @@ void printStatistics() {
 }
 
 void run(const Options& options) {
-    checkDestination(options.picture);
-    if (!options.stateFile.empty()) checkDestination(options.stateFile);
+    std::vector<std::string> needed = options.material.files();
+    checkDestination(options.picture, needed);
+    needed.push_back(options.picture);
+    if (!options.stateFile.empty()) checkDestination(options.stateFile, needed);
     PreparedMaterial prepared(options.material);
     if (options.explains) explainStacking(std::cout, prepared.bottom(), prepared.top(), *prepared.material());
-    if (!options.stateFile.empty()) saveState(*prepared.material(), options.stateFile);
+    const kvString::CString state = prepared.material()->getStateString();
+    // The picture is that of the values as saved, whose floats have six decimals.
+    if (!options.stateFile.empty()) prepared.material()->applyStateString(state);
     const Texture texture = prepared.render();
     writePng(options.picture, texture, toText(prepared.receiptFor(texture)));
+    if (!options.stateFile.empty()) writeFileAtomically(options.stateFile, {state.asChar(), state.length()});
     if (options.counts) printStatistics();
 }
 

@@ -20,7 +20,8 @@ struct Options {
 };
 
 void run(const Options& options) {
-    checkDestination(options.sheet);
+    checkDestination(options.sheet, options.pictures);
+    checkContactSheet(static_cast<int>(options.pictures.size()), options.side, options.columns);
     std::vector<SheetEntry> entries;
     std::vector<SheetMark> marks;
     for (const std::string& path : options.pictures) {

@@ -15,6 +15,7 @@
 #include <charconv>
 #include <cmath>
 #include <cstdio>
+#include <cstring>
 #include <memory>
 #include <tuple>
 
@@ -60,6 +61,7 @@ VariationText splitVariation(const std::string& text) {
 struct Variation {
     kvSubstance::SubstanceInput* input;
     std::vector<embedded::Value> values;
+    int digits = 4; // of numbers in labels
 };
 
 embedded::Value between(const embedded::Value& from, const embedded::Value& to, double position) {
@@ -72,20 +74,9 @@ embedded::Value between(const embedded::Value& from, const embedded::Value& to, 
     return value;
 }
 
-Variation makeVariation(const VariationText& text, const kvSubstance::Substance& material) {
-    const std::string place = "--vary " + text.identifier;
-    Variation variation{&requireInput(material, text.identifier, place), {}};
-    const embedded::Value from = parseInputValue(*variation.input, text.from, place);
-    const embedded::Value to = parseInputValue(*variation.input, text.to, place);
-    for (int step = 0; step < text.steps; ++step)
-        variation.values.push_back(between(from, to, text.steps == 1 ? 0.0 : step / (text.steps - 1.0)));
-    return variation;
-}
-
-// Such as: scale=2.5, tint=#80ff00
-std::string labelOf(const Variation& variation, const embedded::Value& value) {
-    const bool isColour = variation.input->getWidget() == kvSubstance::WidgetColor;
-    std::string label = std::string(variation.input->getIdentifier().asChar()) + (isColour ? "=#" : "=");
+// Such as: 2.5, #80ff00
+std::string textOf(const embedded::Value& value, bool isColour, int digits) {
+    std::string label = isColour ? "#" : "";
     for (int i = 0; i < embedded::componentCount(value.type); ++i) {
         char text[32];
         const double number = embedded::component(value, i);
@@ -94,10 +85,47 @@ std::string labelOf(const Variation& variation, const embedded::Value& value) {
                           static_cast<unsigned>(std::lround(std::clamp(number, 0.0, 1.0) * 255)));
         } else {
             if (i) label += ",";
-            *std::to_chars(text, text + sizeof text - 1, number, std::chars_format::general, 4).ptr = '\0';
+            *std::to_chars(text, text + sizeof text - 1, number, std::chars_format::general, digits).ptr =
+                '\0';
         }
         label += text;
     }
+    return label;
+}
+
+std::string labelOf(const Variation& variation, const embedded::Value& value) {
+    const bool isColour = variation.input->getWidget() == kvSubstance::WidgetColor;
+    return std::string(variation.input->getIdentifier().asChar()) + "=" +
+           textOf(value, isColour, variation.digits);
+}
+
+// As many digits as tell all values apart, where floats have them.
+int digitsFor(const std::vector<embedded::Value>& values) {
+    constexpr int fewest = 4;
+    constexpr int most = 10;
+    int digits = fewest;
+    for (size_t i = 1; i < values.size() && digits < most; ++i)
+        while (digits < most && textOf(values[i], false, digits) == textOf(values[i - 1], false, digits))
+            ++digits;
+    return digits;
+}
+
+Variation makeVariation(const VariationText& text, const kvSubstance::Substance& material) {
+    const std::string place = "--vary " + text.identifier;
+    Variation variation{&requireInput(material, text.identifier, place), {}};
+    noteIfAmbiguous(material, text.identifier, place);
+    const embedded::Value from = parseInputValue(*variation.input, text.from, place);
+    const embedded::Value to = parseInputValue(*variation.input, text.to, place);
+    for (int step = 0; step < text.steps; ++step)
+        variation.values.push_back(between(from, to, text.steps == 1 ? 0.0 : step / (text.steps - 1.0)));
+    variation.digits = digitsFor(variation.values);
+    return variation;
+}
+
+// Without what cannot stand in the name of a file.
+std::string asFileName(std::string label) {
+    for (char& c : label)
+        if (c == ' ' || std::strchr("/\\:*?\"<>|", c)) c = '_';
     return label;
 }
 
@@ -112,13 +140,15 @@ void run(const Options& options) {
     if (texts.size() > 2) throw UsageError("--vary can be given once or twice, for a row or a grid");
     if (texts.size() == 2 && texts[0].identifier == texts[1].identifier)
         throw UsageError("--vary " + texts[0].identifier + ": given twice; vary another input along with it");
-    if (!options.sheet.empty()) checkDestination(options.sheet);
+    if (!options.sheet.empty()) checkDestination(options.sheet, options.material.files());
 
     PreparedMaterial prepared(options.material);
     const Variation rows = makeVariation(texts.front(), *prepared.material());
     const Variation columns =
-        texts.size() == 2 ? makeVariation(texts.back(), *prepared.material()) : Variation{nullptr, {{}}};
+        texts.size() == 2 ? makeVariation(texts.back(), *prepared.material()) : Variation{nullptr, {{}}, 0};
     const int count = static_cast<int>(rows.values.size() * columns.values.size());
+    const int across = columns.input ? static_cast<int>(columns.values.size()) : 0;
+    if (!options.sheet.empty()) checkContactSheet(count, defaultThumbnailSide, across);
     makeFolder(options.folder);
 
     std::vector<SheetEntry> entries;
@@ -134,8 +164,8 @@ void run(const Options& options) {
             }
             const Texture texture = prepared.render();
             const Receipt receipt = prepared.receiptFor(texture);
-            std::string name = numbered(static_cast<int>(entries.size()) + 1, count) + "_" + label + ".png";
-            std::replace(name.begin(), name.end(), ' ', '_');
+            const std::string name =
+                numbered(static_cast<int>(entries.size()) + 1, count) + "_" + asFileName(label) + ".png";
             const std::string path = inFolder(options.folder, name);
             writePng(path, texture, toText(receipt));
             entries.push_back({label, makeThumbnail(toPicture(texture), defaultThumbnailSide)});
@@ -144,7 +174,6 @@ void run(const Options& options) {
         }
     }
     if (options.sheet.empty()) return;
-    const int across = columns.input ? static_cast<int>(columns.values.size()) : 0;
     const Texture sheet = toTexture(makeContactSheet(entries, defaultThumbnailSide, across));
     writePng(options.sheet, sheet, sheetReceipt(sheet, std::move(marks)));
 }

@@ -159,6 +159,8 @@ int run(const Options& options) {
         const Texture rendered = receipt.isMap() ? renderMap(options, receipt, differences)
                                                  : renderMaterial(options, receipt, differences);
         hasSamePixels = compare(content.texture, rendered, differences);
+    } catch (const UsageError& error) { // nobody gave the option that it speaks of
+        throw Failure(options.picture + ": its receipt makes no sense: " + error.what());
     } catch (const Failure& failure) { // no wonder, if something differs
         if (differences.empty()) throw;
         differences.emplace_back(failure.what());

@@ -62,7 +62,12 @@ TEST(Compiler, WarningsAndWhetherOutputsTile) {
 TEST(Compiler, WhatIsNoSource) {
     std::string deeplyNested;
     for (int i = 0; i < 100000; ++i) deeplyNested += "<package>";
+    // In front of the elements stands what the parser reads in its own way.
+    for (const char* const start :
+         {"<?xml version=\"><!--\"?>", "<!--><![CDATA[ -->", "<1 a=\">", "<p b=\f\"><!--\">"})
+        EXPECT_TRUE(compilePackage(start + deeplyNested).package.empty()) << start;
     for (const std::string& source : {std::string("<sbsdescription/>"), std::string("<package/>"),
+                                      readFile(folder / "good.xml") + "</package> a slip of the pen",
                                       std::string("<package>\0</package>", 20),
                                       std::string("<package><!-- \xE4 --></package>"), // Latin-1
                                       deeplyNested, std::string(std::size_t{17} << 20, ' ')}) {

@@ -22,6 +22,7 @@ TEST(Literal, Values) {
         {ValueType::Float2, {"1,2,3", "1,"}},
         {ValueType::Float3, {"#ff003380", "#ff00g3"}},
         {ValueType::Float4, {"0.1,0.2"}},
+        {ValueType::Integer4, {"1,2,3"}},
         {ValueType::Integer, {"2147483648", "1.0"}},
     };
     for (const auto& [type, texts] : refused)
