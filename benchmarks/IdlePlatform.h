@@ -1,8 +1,8 @@
 // A linker and an engine that do next to nothing, so that benchmarks measure the library alone.
 //
-// A package file is a description text with a zero behind it. The linker hands it over as it stands, with the
-// same bytes as the assembly, and links whatever was pushed last. The engine delivers an image of 16 by 16
-// pixels for each output at once; its programs are these.
+// A package file is a description text with a zero behind it. The linker hands it over as it stands; its
+// assemblies are one byte. The engine delivers an image of 4 by 4 pixels for each output at once; its
+// programs are these.
 #pragma once
 
 #include <cstddef>

@@ -2,8 +2,8 @@
 // them.
 //
 // Times alone drift with the machine, so every piece of work stands beside a floor: the least that anybody
-// could do instead, measured in the same run and in turn with the work. Targets are ratios of the two
-// medians. How the time grows is the ratio of the medians of two sizes.
+// could do instead, measured in the same run and in turn with the work. Targets are for the
+// median of the rounds' ratios. How the time grows is the ratio of the medians of two sizes.
 #pragma once
 
 #include <string>

@@ -3,6 +3,8 @@
 #include "conformance/Clauses.h"
 #include "conformance/Findings.h"
 
+#include <stdexcept>
+
 namespace kvSubstance::conformance {
 
 namespace {
@@ -41,6 +43,8 @@ Verdict judge(const std::string& clauseName, const Interface& judged, const Pack
             return {Judgement::Broken, broken.observed};
         } catch (const NotJudged& reason) {
             return {Judgement::NotJudged, reason.reason};
+        } catch (const std::out_of_range&) { // of a list of ports
+            return {Judgement::NotJudged, "a package has no output"};
         }
     }
     return {Judgement::NotJudged, "there is no clause of that name"};

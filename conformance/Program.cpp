@@ -5,10 +5,12 @@
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <iterator>
 #include <optional>
+#include <system_error>
 
 namespace kvSubstance::conformance {
 
@@ -81,6 +83,11 @@ std::optional<Options> readOptions(int argc, char** argv) {
 }
 
 bool readFile(const std::string& path, std::string& content) {
+    std::error_code ignored;
+    if (std::filesystem::is_directory(std::filesystem::u8path(path), ignored)) {
+        std::cerr << "error: " << path << " is a folder; name a package file\n";
+        return false;
+    }
     std::ifstream file(path, std::ios::binary);
     content.assign(std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>());
     if (file && !content.empty()) return true;
@@ -99,12 +106,11 @@ int judgeInProcess(const std::string& clause, const Packages& packages) {
 Verdict verdictOf(const ChildEnd& end, int timeLimit) {
     const std::string status = std::to_string(end.status);
     switch (end.kind) {
-    case ChildEnd::Kind::NotStarted:
-        return {Judgement::NotJudged, "a process to judge it in could not be started"};
     case ChildEnd::Kind::TimedOut:
         return {Judgement::Broken, "expected an end, saw none in " + std::to_string(timeLimit) + " seconds"};
     case ChildEnd::Kind::Crashed:
         return {Judgement::Broken, "expected an end, saw a crash (" + status + ")"};
+    case ChildEnd::Kind::NotStarted: // there is no verdict of such a child
     case ChildEnd::Kind::Exited:
         break;
     }
@@ -124,6 +130,10 @@ int report(char** argv, const Options& options) {
         if (!options.clause.empty() && options.clause != clause.name) continue;
         const ChildEnd end = runAgain(argv, {"--in-process", "--clause", clause.name},
                                       std::chrono::seconds(options.timeLimit));
+        if (end.kind == ChildEnd::Kind::NotStarted) {
+            std::cerr << "error: " << argv[0] << ": a process to judge in could not be started\n";
+            return exitUsage;
+        }
         const Verdict verdict = verdictOf(end, options.timeLimit);
         static const char* const words[] = {"kept        ", "BROKEN      ", "not judged  "};
         ++counts[static_cast<std::size_t>(verdict.judgement)];

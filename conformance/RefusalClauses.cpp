@@ -121,8 +121,9 @@ void callbackKinds(Trial& trial) {
 // Cut so that more than trailing blanks are lost.
 std::vector<std::string> broken(const std::string& whole) {
     std::vector<std::string> texts{"x", std::string(64, '\xff'), std::string(256, '\0')};
+    const std::size_t size = whole.find_last_not_of(" \t\r\n") + 1;
     for (std::size_t sixteenth = 0; sixteenth < 16; ++sixteenth)
-        texts.push_back(whole.substr(0, whole.size() * sixteenth / 16));
+        texts.push_back(whole.substr(0, size * sixteenth / 16));
     return texts;
 }
 

@@ -45,15 +45,22 @@ void fetchInCallback(Trial& trial) {
     const Edit& edit = trial.numericEdit();
     const auto running = trial.run(edit.assembly);
     running->handle.ask({edit.outputUid});
-    unsigned int status = 1;
+    unsigned int descStatus = 1, status = 1;
+    SubstanceOutputDesc desc{};
     SubstanceTexture texture{};
+    SubstanceContext* parent = nullptr;
     {
         const DuringCompletions during([&](const Completion& completion) {
+            descStatus = trial.engine.getOutputDesc(completion.handle, completion.outputIndex, &desc);
             status = trial.engine.getOutputs(completion.handle, 0, completion.outputIndex, 1, &texture);
+            parent = trial.engine.getParentContext(completion.handle);
         });
         running->handle.start();
     }
+    expectSuccess(descStatus, "substanceHandleGetOutputDesc inside the completion callback");
+    expect(desc.uid == edit.outputUid, "the uid of the finished output there", desc.uid);
     expectSuccess(status, "substanceHandleGetOutputs inside the completion callback");
+    expect(parent == running->context.get(), "the handle's context there", "another");
     expect(consume(trial.engine, running->context.get(), texture) == edit.before,
            "the finished texture inside the completion callback", "another");
 }
@@ -121,7 +128,8 @@ void freeAnywhere(Trial& trial) {
 std::vector<Entry> textureClauses() {
     return {
         {{"fetch-once", "A texture is handed over once; other fetches are refused, with zeros."}, fetchOnce},
-        {{"fetch-in-callback", "A texture can be fetched inside its completion callback."}, fetchInCallback},
+        {{"fetch-in-callback", "A texture can be described and fetched inside its completion callback."},
+         fetchInCallback},
         {{"unfetched", "A texture that nobody fetched gives way to the next, or ends with its handle."},
          unfetched},
         {{"outlives-handle", "A fetched texture outlives its handle."}, outlivesHandle},

@@ -30,8 +30,10 @@ prepare_apt() {
         sort -u >"$here/sources.list.new"
     [ -s "$here/sources.list.new" ] ||
         { echo "error: apt knows no Debian archive; run apt-get update first" >&2; exit 1; }
+    # Under its last name only when apt has read it: a run that is cut short begins anew.
+    apt-get "${apt_options[@]}" -o "Dir::Etc::SourceList=$here/sources.list.new" update >"$here/apt.log" 2>&1 ||
+        { cat "$here/apt.log" >&2; exit 1; }
     mv "$here/sources.list.new" "$here/sources.list"
-    apt-get "${apt_options[@]}" update >"$here/apt.log" 2>&1 || { cat "$here/apt.log" >&2; exit 1; }
 }
 
 # Some mirrors lack the newest version that their list names; then the one before is taken.

@@ -116,7 +116,7 @@ private:
             const NodeShape& source = shapes_[static_cast<std::size_t>(node.sources[i])];
             const bool readsGray = kind.ports[i].channels == PortChannels::Gray || shape.channels == 1;
             if (readsGray && source.channels > 1) addConversion(source.pixels());
-            if (source.mayDifferInSize(shape)) addConversion(shape.pixels());
+            if (source.mayDifferInSize(shape)) addConversion(std::max(source.pixels(), shape.pixels()));
         }
     }
 

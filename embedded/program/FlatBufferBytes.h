@@ -3,6 +3,7 @@
 
 #include <flatbuffers/flatbuffers.h>
 
+#include <algorithm>
 #include <cstddef>
 #include <vector>
 
@@ -14,8 +15,10 @@ constexpr std::size_t maxFileSize = std::size_t{1} << 30;
 // Files are flat; their readers follow references no deeper than this.
 constexpr flatbuffers::uoffset_t maxTableDepth = 8;
 
-// Tables may be shared, so that a small file could make a reader visit very many of them.
-constexpr flatbuffers::uoffset_t maxTableVisits = 2000000;
+// Tables could be shared, so that a small file made a reader visit very many of them. Ours are not: each
+// takes a reference and the start of a table.
+constexpr std::size_t maxTableVisits = 2000000;
+constexpr std::size_t fewestBytesOfTable = 8;
 
 // A copy, because FlatBuffers needs alignment. Empty for data that cannot be a file.
 inline std::vector<unsigned char> alignedCopy(const void* data, std::size_t size) {
@@ -32,7 +35,9 @@ inline std::vector<unsigned char> finishedBytes(const flatbuffers::FlatBufferBui
 template <typename Table>
 const Table* verifiedRoot(const std::vector<unsigned char>& file, const char* identifier) {
     if (file.empty()) return nullptr;
-    flatbuffers::Verifier verifier(file.data(), file.size(), maxTableDepth, maxTableVisits);
+    const auto visits = std::min(maxTableVisits, 1 + file.size() / fewestBytesOfTable);
+    flatbuffers::Verifier verifier(file.data(), file.size(), maxTableDepth,
+                                   static_cast<flatbuffers::uoffset_t>(visits));
     return verifier.VerifyBuffer<Table>(identifier) ? flatbuffers::GetRoot<Table>(file.data()) : nullptr;
 }
 
