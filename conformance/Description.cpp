@@ -12,11 +12,12 @@ std::string attribute(const TiXmlElement& element, const char* name) {
     return value ? value : "";
 }
 
-std::vector<Port> portsOf(const TiXmlElement& graph, const char* list) {
+// The elements of that name in the list.
+std::vector<Port> portsOf(const TiXmlElement& graph, const char* list, const char* name) {
     std::vector<Port> ports;
     const TiXmlElement* const parent = graph.FirstChildElement(list);
-    const TiXmlElement* child = parent ? parent->FirstChildElement() : nullptr;
-    for (; child; child = child->NextSiblingElement()) {
+    const TiXmlElement* child = parent ? parent->FirstChildElement(name) : nullptr;
+    for (; child; child = child->NextSiblingElement(name)) {
         Port port;
         port.uid = support::wholeOrZero<unsigned int>(child->Attribute("uid"));
         port.identifier = attribute(*child, "identifier");
@@ -33,14 +34,15 @@ std::vector<Port> portsOf(const TiXmlElement& graph, const char* list) {
 Description readDescription(const std::string& text) {
     Description description;
     const auto document = support::parseXmlDocument(text.c_str(), TIXML_ENCODING_UTF8);
-    const TiXmlElement* const root = document ? document->RootElement() : nullptr;
-    const TiXmlElement* const graphs = root ? root->FirstChildElement("graphs") : nullptr;
+    const TiXmlElement* const root = document ? document->FirstChildElement("sbsdescription") : nullptr;
+    const TiXmlElement* const graphs =
+        root && root->Attribute("asmuid") ? root->FirstChildElement("graphs") : nullptr;
     if (!graphs) return description;
     description.isReadable = true;
     const TiXmlElement* graph = graphs->FirstChildElement("graph");
     for (; graph; graph = graph->NextSiblingElement("graph")) {
-        for (const Port& port : portsOf(*graph, "inputs")) description.inputs.push_back(port);
-        for (const Port& port : portsOf(*graph, "outputs")) description.outputs.push_back(port);
+        for (const Port& port : portsOf(*graph, "inputs", "input")) description.inputs.push_back(port);
+        for (const Port& port : portsOf(*graph, "outputs", "output")) description.outputs.push_back(port);
     }
     return description;
 }

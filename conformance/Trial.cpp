@@ -19,7 +19,8 @@ Part Trial::read(const std::string& package) {
     for (const Delivery& delivery : takeDeliveries())
         (delivery.isText ? part.text : part.assembly) = delivery.content;
     part.description = readDescription(part.text);
-    expect(part.description.isReadable, "a description that is XML with graphs in it", "another text");
+    expect(part.description.isReadable,
+           "a description that is XML: sbsdescription with asmuid, and graphs in it", "another text");
     return part;
 }
 
@@ -56,7 +57,7 @@ std::set<unsigned int> Trial::resolutionUids() {
 std::string Trial::link(const std::vector<const Part*>& stack, const Preparation& prepare) {
     Linking linking(linker);
     for (const Part* const part : stack) {
-        linking.push(part->package);
+        linking.push(part->assembly); // as the library does, which keeps no packages
         for (const Port& output : part->description.outputs)
             expectSuccess(linker.setOutputFormat(linking.handle(), output.uid, SubstanceFormatRgba8, 1),
                           "substanceLinkerHandleSetOutputFormat with format 0");
