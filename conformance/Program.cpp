@@ -11,6 +11,7 @@
 #include <iterator>
 #include <optional>
 #include <system_error>
+#include <thread>
 
 namespace kvSubstance::conformance {
 
@@ -124,12 +125,22 @@ Verdict verdictOf(const ChildEnd& end, int timeLimit) {
     return {end.status == exitBroken ? Judgement::Broken : Judgement::NotJudged, text};
 }
 
+// A system that is busy refuses a process now and then.
+ChildEnd judgeInChild(char** argv, const Clause& clause, std::chrono::seconds limit) {
+    constexpr int mostAttempts = 5;
+    ChildEnd end;
+    for (int attempt = 1; end.kind == ChildEnd::Kind::NotStarted && attempt <= mostAttempts; ++attempt) {
+        if (attempt > 1) std::this_thread::sleep_for(std::chrono::milliseconds(200));
+        end = runAgain(argv, {"--in-process", "--clause", clause.name}, limit);
+    }
+    return end;
+}
+
 int report(char** argv, const Options& options) {
     std::size_t counts[3] = {};
     for (const Clause& clause : clauses()) {
         if (!options.clause.empty() && options.clause != clause.name) continue;
-        const ChildEnd end = runAgain(argv, {"--in-process", "--clause", clause.name},
-                                      std::chrono::seconds(options.timeLimit));
+        const ChildEnd end = judgeInChild(argv, clause, std::chrono::seconds(options.timeLimit));
         if (end.kind == ChildEnd::Kind::NotStarted) {
             std::cerr << "error: " << argv[0] << ": a process to judge in could not be started\n";
             return exitUsage;
