@@ -98,7 +98,7 @@ TEST_F(Tool, PicturesOfEveryKindAreMadeAgain) {
              {"maps top.kvpkg -o maps --preset Snow", "maps/Output.png", "top.kvpkg"},
              {"sweep bottom.kvpkg --vary level=0..1:3 -o sweep --sheet a.png", "sweep/2_level=0.5.png",
               "bottom.kvpkg"},
-             {"sheet a.png -o s.png", "a.png", ""}}) {
+             {"sheet a.png -o s.png", "s.png", ""}}) {
         SCOPED_TRACE(command);
         const Outcome made = run(command);
         ASSERT_EQ(made.status, 0) << made.error;
@@ -107,7 +107,6 @@ TEST_F(Tool, PicturesOfEveryKindAreMadeAgain) {
         EXPECT_EQ(verified.status, 0) << verified.out << verified.error;
         EXPECT_EQ(verified.out.compare(0, 6, "equal:"), 0) << verified.out;
         run(command);
-        if (packages.empty()) continue; // a sheet over itself is another one
         EXPECT_EQ(read(picture), first);
     }
 }
